@@ -1,0 +1,64 @@
+# How a folder becomes a target: one library a folder of the core, one test program a folder of tests.
+
+set(MARROWBOX_SANITIZE "" CACHE STRING "Sanitizers for the whole build, as Clang names them")
+
+find_package(Threads REQUIRED)
+find_package(OpenSSL REQUIRED)
+find_package(CURL REQUIRED)
+find_package(Boost 1.81 REQUIRED COMPONENTS json)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(ACL REQUIRED IMPORTED_TARGET libacl)
+pkg_check_modules(MOUNT REQUIRED IMPORTED_TARGET mount)
+
+add_library(marrowboxBuildSettings INTERFACE)
+target_compile_options(marrowboxBuildSettings INTERFACE
+  -Wall -Wextra -Wconversion -Wshadow -Werror
+  # Debug information by line is enough for a stack trace and halves the time to link.
+  $<$<CONFIG:Debug>:-gline-tables-only>
+  # Lets ccache reuse a precompiled header that was made at another time.
+  "SHELL:-Xclang -fno-pch-timestamp")
+target_compile_definitions(marrowboxBuildSettings INTERFACE
+  BOOST_ASIO_SEPARATE_COMPILATION BOOST_ASIO_NO_DEPRECATED BOOST_ASIO_DISABLE_BOOST_COROUTINE)
+if(MARROWBOX_SANITIZE)
+  target_compile_options(marrowboxBuildSettings INTERFACE
+    -O1 -fsanitize=${MARROWBOX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(marrowboxBuildSettings INTERFACE -fsanitize=${MARROWBOX_SANITIZE})
+endif()
+
+# Gives a target an include path on which only its own folder stands, under its own name. A target sees the
+# folders that it links and no others, so an include against the arrows does not compile.
+function(marrowbox_folder_on_include_path target folder)
+  set(view ${CMAKE_BINARY_DIR}/include/${folder})
+  file(MAKE_DIRECTORY ${view})
+  file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR}/${folder} ${view}/${folder} SYMBOLIC)
+  target_include_directories(${target} PUBLIC ${view})
+endfunction()
+
+# marrowbox_library(FOLDER [LINKS target...]): the static library marrowbox<FOLDER> of all sources in FOLDER.
+function(marrowbox_library folder)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINKS")
+  set(target marrowbox${folder})
+  file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp)
+  if(NOT sources) # a folder that is still to come
+    add_library(${target} INTERFACE)
+    target_link_libraries(${target} INTERFACE ${arg_LINKS})
+    return()
+  endif()
+  add_library(${target} STATIC ${sources})
+  marrowbox_folder_on_include_path(${target} ${folder})
+  target_link_libraries(${target} PUBLIC ${arg_LINKS} PRIVATE marrowboxBuildSettings)
+  if(folder STREQUAL "Platform")
+    target_precompile_headers(${target} PRIVATE ${CMAKE_SOURCE_DIR}/CMake/Precompiled.h)
+  else()
+    target_precompile_headers(${target} REUSE_FROM marrowboxPlatform)
+  endif()
+endfunction()
+
+# marrowbox_program(NAME SOURCES... LINKS target...): an executable of ours, with the house's warnings.
+function(marrowbox_program name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LINKS} marrowboxBuildSettings)
+  target_precompile_headers(${name} REUSE_FROM marrowboxPlatform)
+endfunction()

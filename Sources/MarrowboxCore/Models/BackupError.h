@@ -1,0 +1,16 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace marrowbox {
+
+/// A deliberate failure with a finished sentence for the user. The sentence is shown as it stands; no layer
+/// rewords it or adds to it.
+class BackupError : public std::runtime_error {
+  public:
+    explicit BackupError(const std::string& message) : std::runtime_error(message) {}
+    std::string message() const { return what(); }
+};
+
+} // namespace marrowbox

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Models/JSONReader.h"
+#include "Models/JSONWriter.h"
+#include "Platform/Files.h"
+
+#include <fcntl.h>
+
+/// How records reach the disk. It takes no lock and mends nothing; a failure to read, decode, encode or write
+/// passes through unchanged. Any thread.
+namespace marrowbox::JSONFile {
+
+/// Reads and decodes a whole file.
+template <typename Record> Record read(const fs::path& path) {
+    return decodeJSON<Record>(openFile(path, O_RDONLY));
+}
+
+/// Replaces the file in one rename, pretty printed with sorted keys, mode 0600. Not synchronised: a caller who
+/// needs that does it afterwards.
+template <typename Record> void write(const Record& record, const fs::path& path) {
+    AtomicFile file(path);
+    encodeJSON(record, JSONStyle::pretty, file.descriptor());
+    file.publish();
+}
+
+} // namespace marrowbox::JSONFile

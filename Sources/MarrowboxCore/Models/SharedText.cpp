@@ -1,0 +1,60 @@
+#include "Models/SharedText.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <stdexcept>
+
+namespace marrowbox {
+
+namespace {
+
+constexpr std::size_t inlineCapacity = 7;
+
+} // namespace
+
+SharedText::SharedText(std::string_view text) {
+    if (text.size() <= inlineCapacity) {
+        word_ = 1 | text.size() << 1;
+        std::memcpy(reinterpret_cast<char*>(&word_) + 1, text.data(), text.size());
+        return;
+    }
+    if (text.size() > UINT32_MAX)
+        throw std::length_error("A text is too long.");
+    void* memory = std::malloc(sizeof(Block) + text.size());
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    auto* made = new (memory) Block{1, static_cast<std::uint32_t>(text.size())};
+    std::memcpy(made->text(), text.data(), text.size());
+    word_ = reinterpret_cast<std::uintptr_t>(made);
+}
+
+std::string_view SharedText::view() const noexcept {
+    if (isInline())
+        return {reinterpret_cast<const char*>(&word_) + 1, (word_ >> 1) & 7};
+    return {block()->text(), block()->length};
+}
+
+void SharedText::releaseBlock() noexcept {
+    if (isInline())
+        return;
+    if (block()->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        block()->~Block();
+        std::free(block());
+    }
+}
+
+std::size_t SharedTextHash::operator()(std::string_view text) const noexcept {
+    return std::hash<std::string_view>()(text);
+}
+
+SharedText TextPool::shared(std::string_view text) {
+    if (text.size() <= inlineCapacity)
+        return text;
+    const auto found = texts_.find(text);
+    if (found != texts_.end())
+        return *found;
+    return *texts_.emplace(text).first;
+}
+
+} // namespace marrowbox

@@ -1,0 +1,162 @@
+#include "Platform/Files.h"
+
+#include "Platform/Digest.h"
+#include "Platform/RandomBytes.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <system_error>
+
+namespace marrowbox {
+
+namespace {
+
+constexpr std::size_t readChunk = 1 << 20;
+
+/// Repeats a call that a signal interrupted.
+template <typename Call> auto retryInterrupted(Call call) {
+    while (true) {
+        const auto result = call();
+        if (result >= 0 || errno != EINTR)
+            return result;
+    }
+}
+
+} // namespace
+
+void throwSystemError(std::string_view call, const fs::path& path) {
+    const int code = errno;
+    throw std::system_error(code, std::generic_category(), std::string(call) + " " + path.string());
+}
+
+Descriptor openFile(const fs::path& path, int flags, mode_t mode) {
+    Descriptor file(retryInterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); }));
+    if (!file)
+        throwSystemError("open", path);
+    return file;
+}
+
+std::optional<struct stat> linkStatus(const fs::path& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    return status;
+}
+
+bool isSymbolicLink(const fs::path& path) {
+    const auto status = linkStatus(path);
+    return status && S_ISLNK(status->st_mode);
+}
+
+bool isDirectory(const fs::path& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0)
+        throwSystemError("stat", path);
+    return S_ISDIR(status.st_mode);
+}
+
+std::optional<std::int64_t> regularFileSize(const fs::path& path) {
+    const auto status = linkStatus(path);
+    if (!status || !S_ISREG(status->st_mode))
+        return std::nullopt;
+    return status->st_size;
+}
+
+std::size_t readSome(const Descriptor& file, std::span<char> into) {
+    const auto count = retryInterrupted([&] { return ::read(file.number(), into.data(), into.size()); });
+    if (count < 0)
+        throw std::system_error(errno, std::generic_category(), "read");
+    return static_cast<std::size_t>(count);
+}
+
+std::string readAll(const Descriptor& file) {
+    std::string bytes;
+    struct stat status {};
+    if (::fstat(file.number(), &status) == 0 && status.st_size > 0)
+        bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
+    while (true) {
+        const std::size_t held = bytes.size();
+        // One byte more than the known size finds the end without a second growth.
+        bytes.resize(std::max(bytes.capacity(), held + std::min(readChunk, held + 4096)));
+        const std::size_t count = readSome(file, std::span(bytes).subspan(held));
+        bytes.resize(held + count);
+        if (count == 0)
+            return bytes;
+    }
+}
+
+std::string readFile(const fs::path& path) { return readAll(openFile(path, O_RDONLY)); }
+
+void writeAll(const Descriptor& file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const auto count = retryInterrupted([&] { return ::write(file.number(), bytes.data(), bytes.size()); });
+        if (count < 0)
+            throw std::system_error(errno, std::generic_category(), "write");
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+void synchronize(const Descriptor& file, const fs::path& path) {
+    if (retryInterrupted([&] { return ::fsync(file.number()); }) != 0)
+        throwSystemError("fsync", path);
+}
+
+void synchronizeFile(const fs::path& path) { synchronize(openFile(path, O_WRONLY), path); }
+
+void makeDirectory(const fs::path& path, mode_t mode) {
+    if (::mkdir(path.c_str(), mode) != 0)
+        throwSystemError("mkdir", path);
+    if (::chmod(path.c_str(), mode) != 0)
+        throwSystemError("chmod", path);
+}
+
+void makeDirectories(const fs::path& path, mode_t mode) {
+    if (::mkdir(path.c_str(), mode) == 0)
+        return;
+    if (errno == ENOENT && path.has_relative_path()) {
+        makeDirectories(path.parent_path(), mode);
+        if (::mkdir(path.c_str(), mode) == 0)
+            return;
+    }
+    const int code = errno;
+    struct stat status {};
+    if (code == EEXIST && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
+        return;
+    errno = code;
+    throwSystemError("mkdir", path);
+}
+
+std::vector<std::string> directoryNames(const fs::path& path) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(path))
+        names.push_back(entry.path().filename().string());
+    return names;
+}
+
+void removeTree(const fs::path& path) { fs::remove_all(path); }
+
+AtomicFile::AtomicFile(fs::path target) : target_(std::move(target)) {
+    const auto random = randomBytes(8);
+    if (!random)
+        throw std::system_error(EIO, std::generic_category(), "random bytes");
+    temporary_ = target_.parent_path() / ("." + target_.filename().string() + "." + hexadecimal(*random));
+    file_ = openFile(temporary_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+}
+
+AtomicFile::~AtomicFile() {
+    // A file that never took its target's place is worth nothing; that it cannot be removed changes nothing.
+    if (file_)
+        ::unlink(temporary_.c_str());
+}
+
+void AtomicFile::publish() {
+    // Before the rename, so that no reader meets the file under its final name with another mode.
+    if (::fchmod(file_.number(), 0600) != 0)
+        throwSystemError("chmod", temporary_);
+    if (::rename(temporary_.c_str(), target_.c_str()) != 0)
+        throwSystemError("rename", target_);
+    file_.close();
+}
+
+} // namespace marrowbox
