@@ -15,6 +15,8 @@ namespace marrowbox {
 
 namespace asio = boost::asio;
 
+class HTTPTransfer;
+
 /// What a session takes from its surroundings.
 struct HTTPSettings {
     /// Certificate authorities to trust in place of the system's own file.
@@ -46,6 +48,8 @@ class HTTPSession {
 
   private:
     class Network;
+    static asio::awaitable<HTTPResponse> perform(std::shared_ptr<Network> network,
+                                                 std::shared_ptr<HTTPTransfer> transfer);
     std::shared_ptr<Network> network_;
 };
 
