@@ -1,4 +1,4 @@
-#include "Support/Manifests.h"
+#include "Measuring/Manifests.h"
 
 #include "Platform/Digest.h"
 

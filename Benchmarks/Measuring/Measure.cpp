@@ -1,4 +1,4 @@
-#include "Support/Measure.h"
+#include "Measuring/Measure.h"
 
 #include <algorithm>
 #include <cstdio>
