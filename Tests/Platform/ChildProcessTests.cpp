@@ -4,6 +4,7 @@
 #include "Support/Children.h"
 #include "Support/Coroutine.h"
 #include "Support/ScratchFolder.h"
+#include "Support/Thrown.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -54,14 +55,16 @@ TEST(ChildProcess, leavesNoChildWhenNoDescriptorIsLeftToWatchIt) {
     rlimit used = previous;
     used.rlim_cur = static_cast<rlim_t>(output.number()) + 1;
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &used), 0);
-    std::error_code code;
+    std::exception_ptr failure;
     try {
         const ChildProcess child({"/bin/cat", {pipe.path().string()}, {}}, output);
-    } catch (const std::system_error& error) {
-        code = error.code();
+    } catch (...) {
+        failure = std::current_exception();
     }
     ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &previous), 0);
-    EXPECT_EQ(code, std::errc::too_many_files_open);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(test::thrown<std::system_error>([&] { std::rethrow_exception(failure); }),
+              "pidfd_open: Too many open files");
     EXPECT_TRUE(test::hasNoChild());
 }
 
