@@ -29,8 +29,8 @@ class Calendar {
     /// The instant moved forward by elapsed time.
     Date adding(int amount, CalendarUnit unit, Date to) const;
     /// The first instant strictly after the given one whose local fields match. A local time that a gap skips
-    /// gives the first valid time after the gap; one that occurs twice gives the first of the two. Absent when
-    /// the fields match no time at all.
+    /// gives the first valid time after the gap; one that occurs twice gives the first of the two. Absent
+    /// when the fields match no time at all.
     std::optional<Date> next(Date after, const WallClockFields& fields) const;
     /// The localised name of a day, 1 being the first; clamped into 1...7.
     std::string weekdayName(int weekday) const;
