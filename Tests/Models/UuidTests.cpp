@@ -19,6 +19,8 @@ TEST(Uuid, refusesEveryOtherForm) {
     EXPECT_FALSE(Uuid::parse("0123ABCD+4567-89EF-0123-456789ABCDEF"));
 }
 
-TEST(Uuid, isFreshEachTime) { EXPECT_NE(Uuid::random(), Uuid::random()); }
+TEST(Uuid, isFreshEachTime) {
+    EXPECT_NE(Uuid::random(), Uuid::random());
+}
 
 } // namespace marrowbox

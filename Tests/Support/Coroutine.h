@@ -13,7 +13,8 @@ namespace marrowbox::test {
 namespace asio = boost::asio;
 
 /// Runs a coroutine to its end on an executor of its own and gives its result or throws its failure.
-template <typename Result> Result await(asio::awaitable<Result> work) {
+template <typename Result>
+Result await(asio::awaitable<Result> work) {
     asio::io_context context;
     std::exception_ptr failure;
     if constexpr (std::is_void_v<Result>) {

@@ -6,7 +6,8 @@
 namespace marrowbox::test {
 
 /// The words of the failure of this type that the work throws; a test failure when it throws none.
-template <typename Error, typename Work> std::string thrown(Work work) {
+template <typename Error, typename Work>
+std::string thrown(Work work) {
     try {
         work();
     } catch (const Error& error) {

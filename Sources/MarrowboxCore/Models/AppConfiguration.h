@@ -2,6 +2,7 @@
 
 #include "Models/EmailSettings.h"
 #include "Models/GoogleAccount.h"
+#include "Models/JSONRules.h"
 #include "Models/RunRecord.h"
 #include "Models/SyncUnit.h"
 
@@ -25,6 +26,11 @@ struct AppConfiguration {
 };
 
 BOOST_DESCRIBE_STRUCT(AppConfiguration, (), (schemaVersion, accounts, units, runs, email, usesImportedClient))
+
+template <>
+struct JSONRules<AppConfiguration> {
+    static constexpr bool everyKeyMayBeMissing = true;
+};
 
 /// Throws BackupError "This configuration needs a newer Marrowbox version." for any schema version but 1.
 void requireKnownVersion(const AppConfiguration& configuration);

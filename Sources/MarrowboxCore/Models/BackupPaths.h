@@ -10,8 +10,8 @@
 /// The only judge of whether a path from the cloud may be laid out on a local disk.
 namespace marrowbox::BackupPaths {
 
-/// Throws BackupError "Unsafe path in backup: …" for an empty or absolute path, one with a NUL, and one with a
-/// piece that is empty, "." or "..".
+/// Throws BackupError "Unsafe path in backup: …" for an empty or absolute path, one with a NUL, and one with
+/// a piece that is empty, "." or "..".
 void validate(std::string_view path);
 
 /// Validates each path, and throws BackupError when two items map to one path on a case-insensitive,

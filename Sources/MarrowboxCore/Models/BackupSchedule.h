@@ -15,9 +15,9 @@ namespace marrowbox {
 enum class ScheduleFrequency { manual, tenMinutes, hourly, daily, weekly };
 BOOST_DESCRIBE_ENUM(ScheduleFrequency, manual, tenMinutes, hourly, daily, weekly)
 
-inline constexpr std::array allScheduleFrequencies = {ScheduleFrequency::manual, ScheduleFrequency::tenMinutes,
-                                                      ScheduleFrequency::hourly, ScheduleFrequency::daily,
-                                                      ScheduleFrequency::weekly};
+inline constexpr std::array allScheduleFrequencies = {
+    ScheduleFrequency::manual, ScheduleFrequency::tenMinutes, ScheduleFrequency::hourly,
+    ScheduleFrequency::daily, ScheduleFrequency::weekly};
 
 /// The text of the picker.
 std::string title(ScheduleFrequency frequency);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Models/JSONRules.h"
+
 #include <boost/describe/class.hpp>
 #include <boost/describe/enum.hpp>
 #include <string>
@@ -20,5 +22,17 @@ struct EmailSettings {
 };
 
 BOOST_DESCRIBE_STRUCT(EmailSettings, (), (provider, accountID, recipient))
+
+template <>
+struct JSONRules<EmailSettings> {
+    static constexpr bool everyKeyMayBeMissing = true;
+};
+
+/// Knows the retired provider "mailgun", which reads as disabled, and throws BackupError "Unsupported email
+/// provider." for every other unknown name.
+template <>
+struct JSONEnumeration<EmailProvider> {
+    static std::optional<EmailProvider> fromName(std::string_view name);
+};
 
 } // namespace marrowbox

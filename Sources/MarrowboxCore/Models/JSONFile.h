@@ -11,13 +11,15 @@
 namespace marrowbox::JSONFile {
 
 /// Reads and decodes a whole file.
-template <typename Record> Record read(const fs::path& path) {
+template <typename Record>
+Record read(const fs::path& path) {
     return decodeJSON<Record>(openFile(path, O_RDONLY));
 }
 
-/// Replaces the file in one rename, pretty printed with sorted keys, mode 0600. Not synchronised: a caller who
-/// needs that does it afterwards.
-template <typename Record> void write(const Record& record, const fs::path& path) {
+/// Replaces the file in one rename, pretty printed with sorted keys, mode 0600. Not synchronised: a caller
+/// who needs that does it afterwards.
+template <typename Record>
+void write(const Record& record, const fs::path& path) {
     AtomicFile file(path);
     encodeJSON(record, JSONStyle::pretty, file.descriptor());
     file.publish();

@@ -40,6 +40,7 @@ class ObjectHash {
 
 } // namespace marrowbox
 
-template <> struct std::hash<marrowbox::ObjectHash> {
+template <>
+struct std::hash<marrowbox::ObjectHash> {
     std::size_t operator()(const marrowbox::ObjectHash& hash) const noexcept { return hash.tableHash(); }
 };

@@ -19,8 +19,8 @@ namespace marrowbox {
 enum class RunOutcome { running, succeeded, failed, cancelled, interrupted };
 BOOST_DESCRIBE_ENUM(RunOutcome, running, succeeded, failed, cancelled, interrupted)
 
-/// One line of the run log. It copies what it needs of the unit and the settings, so that it still makes sense
-/// after these have changed or gone.
+/// One line of the run log. It copies what it needs of the unit and the settings, so that it still makes
+/// sense after these have changed or gone.
 struct RunRecord {
     Uuid id;
     Uuid unitID;

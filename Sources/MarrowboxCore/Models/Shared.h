@@ -8,7 +8,8 @@ namespace marrowbox {
 
 /// An immutable record that lies once in memory however many lists hold it; one pointer wide, never empty
 /// unless moved from. Equal when the records are equal. Copies are cheap and safe on any thread.
-template <typename Record> class Shared {
+template <typename Record>
+class Shared {
   public:
     Shared(Record record) : node_(new Node{std::move(record)}) {}
     Shared(const Shared& other) noexcept : node_(other.node_) { retain(); }

@@ -96,7 +96,8 @@ class TextPool {
 
 } // namespace marrowbox
 
-template <> struct std::hash<marrowbox::SharedText> {
+template <>
+struct std::hash<marrowbox::SharedText> {
     std::size_t operator()(const marrowbox::SharedText& text) const noexcept {
         return marrowbox::SharedTextHash()(text.view());
     }

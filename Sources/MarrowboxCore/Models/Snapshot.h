@@ -18,7 +18,7 @@ struct Snapshot {
     Uuid id;
     Uuid unitID;
     Date startedAt;
-    Date completedAt; ///< History is ordered by this.
+    Date completedAt;                           ///< History is ordered by this.
     std::vector<Shared<SnapshotEntry>> entries; ///< Ascending by path.
     RunSummary summary;
 

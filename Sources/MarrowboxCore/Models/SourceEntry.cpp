@@ -45,10 +45,13 @@ bool SourceEntry::hasFingerprintOf(const SourceEntry& other) const {
     return fingerprint() == other.fingerprint();
 }
 
-bool SourceEntry::isExport() const { return !isDirectory && mimeType.view().starts_with(nativeTypePrefix); }
+bool SourceEntry::isExport() const {
+    return !isDirectory && mimeType.view().starts_with(nativeTypePrefix);
+}
 
 } // namespace marrowbox
 
-std::size_t std::hash<marrowbox::SourceEntry>::operator()(const marrowbox::SourceEntry& entry) const noexcept {
+std::size_t
+std::hash<marrowbox::SourceEntry>::operator()(const marrowbox::SourceEntry& entry) const noexcept {
     return marrowbox::SharedTextHash()(entry.path.view()) ^ entry.fingerprintHash();
 }

@@ -38,6 +38,7 @@ BOOST_DESCRIBE_STRUCT(SourceEntry, (), (id, path, version, mimeType, size, md5, 
 
 } // namespace marrowbox
 
-template <> struct std::hash<marrowbox::SourceEntry> {
+template <>
+struct std::hash<marrowbox::SourceEntry> {
     std::size_t operator()(const marrowbox::SourceEntry& entry) const noexcept;
 };

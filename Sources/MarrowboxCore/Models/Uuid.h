@@ -26,6 +26,7 @@ struct Uuid {
 
 } // namespace marrowbox
 
-template <> struct std::hash<marrowbox::Uuid> {
+template <>
+struct std::hash<marrowbox::Uuid> {
     std::size_t operator()(const marrowbox::Uuid& id) const noexcept;
 };

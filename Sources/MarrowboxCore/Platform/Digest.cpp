@@ -15,15 +15,21 @@ void require(int success) {
 
 } // namespace
 
-void Digest::Free::operator()(evp_md_ctx_st* context) const { EVP_MD_CTX_free(context); }
+void Digest::Free::operator()(evp_md_ctx_st* context) const {
+    EVP_MD_CTX_free(context);
+}
 
 Digest::Digest(const char* name) : context_(EVP_MD_CTX_new()) {
     require(context_ != nullptr);
     require(EVP_DigestInit_ex2(context_.get(), EVP_get_digestbyname(name), nullptr));
 }
 
-Digest Digest::sha256() { return Digest("SHA256"); }
-Digest Digest::md5() { return Digest("MD5"); }
+Digest Digest::sha256() {
+    return Digest("SHA256");
+}
+Digest Digest::md5() {
+    return Digest("MD5");
+}
 
 void Digest::update(std::string_view bytes) {
     require(EVP_DigestUpdate(context_.get(), bytes.data(), bytes.size()));

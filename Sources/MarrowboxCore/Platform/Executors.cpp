@@ -31,7 +31,8 @@ asio::awaitable<void> waitOnTimer(std::chrono::duration<double> span, std::stop_
     // The wait starts on the strand, so that a cancel posted before it is seen by it.
     co_await asio::co_spawn(
         strand,
-        [](std::shared_ptr<asio::steady_timer> waiting, std::shared_ptr<bool> given) -> asio::awaitable<void> {
+        [](std::shared_ptr<asio::steady_timer> waiting,
+           std::shared_ptr<bool> given) -> asio::awaitable<void> {
             if (*given)
                 co_return;
             boost::system::error_code ended;
@@ -43,6 +44,8 @@ asio::awaitable<void> waitOnTimer(std::chrono::duration<double> span, std::stop_
 
 } // namespace
 
-Wait timerWait() { return waitOnTimer; }
+Wait timerWait() {
+    return waitOnTimer;
+}
 
 } // namespace marrowbox

@@ -15,7 +15,8 @@ namespace {
 constexpr std::size_t readChunk = 1 << 20;
 
 /// Repeats a call that a signal interrupted.
-template <typename Call> auto retryInterrupted(Call call) {
+template <typename Call>
+auto retryInterrupted(Call call) {
     while (true) {
         const auto result = call();
         if (result >= 0 || errno != EINTR)
@@ -38,7 +39,7 @@ Descriptor openFile(const fs::path& path, int flags, mode_t mode) {
 }
 
 std::optional<struct stat> linkStatus(const fs::path& path) {
-    struct stat status {};
+    struct stat status{};
     if (::lstat(path.c_str(), &status) != 0)
         return std::nullopt;
     return status;
@@ -50,7 +51,7 @@ bool isSymbolicLink(const fs::path& path) {
 }
 
 bool isDirectory(const fs::path& path) {
-    struct stat status {};
+    struct stat status{};
     if (::stat(path.c_str(), &status) != 0)
         throwSystemError("stat", path);
     return S_ISDIR(status.st_mode);
@@ -72,7 +73,7 @@ std::size_t readSome(const Descriptor& file, std::span<char> into) {
 
 std::string readAll(const Descriptor& file) {
     std::string bytes;
-    struct stat status {};
+    struct stat status{};
     if (::fstat(file.number(), &status) == 0 && status.st_size > 0)
         bytes.reserve(static_cast<std::size_t>(status.st_size) + 1);
     while (true) {
@@ -86,11 +87,14 @@ std::string readAll(const Descriptor& file) {
     }
 }
 
-std::string readFile(const fs::path& path) { return readAll(openFile(path, O_RDONLY)); }
+std::string readFile(const fs::path& path) {
+    return readAll(openFile(path, O_RDONLY));
+}
 
 void writeAll(const Descriptor& file, std::string_view bytes) {
     while (!bytes.empty()) {
-        const auto count = retryInterrupted([&] { return ::write(file.number(), bytes.data(), bytes.size()); });
+        const auto count =
+            retryInterrupted([&] { return ::write(file.number(), bytes.data(), bytes.size()); });
         if (count < 0)
             throw std::system_error(errno, std::generic_category(), "write");
         bytes.remove_prefix(static_cast<std::size_t>(count));
@@ -102,7 +106,9 @@ void synchronize(const Descriptor& file, const fs::path& path) {
         throwSystemError("fsync", path);
 }
 
-void synchronizeFile(const fs::path& path) { synchronize(openFile(path, O_WRONLY), path); }
+void synchronizeFile(const fs::path& path) {
+    synchronize(openFile(path, O_WRONLY), path);
+}
 
 void makeDirectory(const fs::path& path, mode_t mode) {
     if (::mkdir(path.c_str(), mode) != 0)
@@ -120,7 +126,7 @@ void makeDirectories(const fs::path& path, mode_t mode) {
             return;
     }
     const int code = errno;
-    struct stat status {};
+    struct stat status{};
     if (code == EEXIST && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
         return;
     errno = code;
@@ -134,7 +140,9 @@ std::vector<std::string> directoryNames(const fs::path& path) {
     return names;
 }
 
-void removeTree(const fs::path& path) { fs::remove_all(path); }
+void removeTree(const fs::path& path) {
+    fs::remove_all(path);
+}
 
 AtomicFile::AtomicFile(fs::path target) : target_(std::move(target)) {
     const auto random = randomBytes(8);

@@ -56,7 +56,8 @@ void synchronizeFile(const fs::path& path);
 /// mkdir(2) with exactly this mode, whatever the umask. An existing path is a failure.
 void makeDirectory(const fs::path& path, mode_t mode);
 
-/// Makes a folder and its missing parents, each made with this mode less the umask; an existing folder is fine.
+/// Makes a folder and its missing parents, each made with this mode less the umask; an existing folder is
+/// fine.
 void makeDirectories(const fs::path& path, mode_t mode = 0777);
 
 /// Names in a folder, hidden ones included, "." and ".." not, in the order of the file system.
@@ -65,8 +66,8 @@ std::vector<std::string> directoryNames(const fs::path& path);
 /// Removes a tree without following links. Throws when something stays behind.
 void removeTree(const fs::path& path);
 
-/// A file written beside its target that replaces it in one rename, or vanishes with the object. The temporary
-/// file has mode 0600 and a name that begins with a dot.
+/// A file written beside its target that replaces it in one rename, or vanishes with the object. The
+/// temporary file has mode 0600 and a name that begins with a dot.
 class AtomicFile {
   public:
     explicit AtomicFile(fs::path target);

@@ -12,8 +12,8 @@ namespace marrowbox {
 /// True when every byte is below 128.
 bool isAscii(std::string_view text);
 
-/// The key under which a case-insensitive, normalisation-insensitive file system sees a text: NFC first, lower
-/// case second (full Unicode lower-casing, no locale).
+/// The key under which a case-insensitive, normalisation-insensitive file system sees a text: NFC first,
+/// lower case second (full Unicode lower-casing, no locale).
 std::string collisionKey(std::string_view text);
 
 /// Appends the collision key to a buffer; plain ASCII costs one pass and no allocation of its own.
@@ -23,10 +23,12 @@ void appendCollisionKey(std::string_view text, std::string& to);
 bool isControlCharacter(char32_t scalar);
 
 /// Calls visit(scalar, itsBytes) for each Unicode scalar; an invalid byte counts as U+FFFD with its one byte.
-template <typename Visit> void forEachScalar(std::string_view text, Visit visit);
+template <typename Visit>
+void forEachScalar(std::string_view text, Visit visit);
 char32_t nextScalar(std::string_view text, std::size_t& position);
 
-template <typename Visit> void forEachScalar(std::string_view text, Visit visit) {
+template <typename Visit>
+void forEachScalar(std::string_view text, Visit visit) {
     for (std::size_t position = 0; position < text.size();) {
         const std::size_t start = position;
         const char32_t scalar = nextScalar(text, position);
