@@ -18,6 +18,8 @@ target_compile_options(marrowboxBuildSettings INTERFACE
   -Wno-missing-designated-field-initializers -Wno-missing-field-initializers
   # Debug information by line is enough for a stack trace and halves the time to link.
   $<$<CONFIG:Debug>:-gline-tables-only>
+  # Qt's headers ask for it, and a precompiled header serves only sources that agree.
+  -fPIC
   # Lets ccache reuse a precompiled header that was made at another time.
   "SHELL:-Xclang -fno-pch-timestamp")
 target_compile_definitions(marrowboxBuildSettings INTERFACE
