@@ -3,13 +3,30 @@
 #include "Rclone.h"
 #include "Sandbox/Exports.h"
 
+#include <csignal>
 #include <gmock/gmock.h>
+#include <sys/inotify.h>
 
 namespace marrowbox::test {
 namespace {
 
 using namespace sandbox;
 using testing::ElementsAre;
+
+/// Waits for bytes to reach a file in a folder, from construction on.
+class FirstWrite {
+  public:
+    explicit FirstWrite(const fs::path& folder) : events_(::inotify_init1(IN_CLOEXEC)) {
+        ::inotify_add_watch(events_.number(), folder.c_str(), IN_MODIFY);
+    }
+    void wait() const {
+        std::array<char, 4096> event{};
+        readSome(events_, event);
+    }
+
+  private:
+    Descriptor events_;
+};
 
 struct RcloneOnSandbox : testing::Test {
     SandboxServer sandbox;
@@ -159,15 +176,19 @@ TEST_F(RcloneOnSandbox, refreshesItsOwnTokenWhenTheEndIsNear) {
     EXPECT_EQ(calls[0].status, 200);
 }
 
-TEST_F(RcloneOnSandbox, endsAtOnceWhenToldToAndLeavesWhatItHas) {
+TEST_F(RcloneOnSandbox, endsWhenToldToAndLeavesThePartThatItHas) {
     const std::string file = drive.addFile("root", "a", Content::pattern(5, 4'000'000));
     sandbox.inject(Fault::on(media(file)).stallAfterBodyBytes(3'000'000));
+    const FirstWrite written(rclone.folder().path());
     rclone.start({{file, "a"}});
-    ASSERT_TRUE(sandbox.requests().waitFor(media(file), 1));
+    written.wait();
 
     rclone.terminate();
 
-    EXPECT_NE(rclone.wait(), 0);
+    EXPECT_EQ(rclone.wait(), -SIGTERM);
+    EXPECT_GT(regularFileSize(rclone.folder() / "a"), 0);
+    EXPECT_LT(regularFileSize(rclone.folder() / "a"), 4'000'000);
 }
+
 } // namespace
 } // namespace marrowbox::test
