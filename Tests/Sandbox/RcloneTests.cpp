@@ -13,18 +13,20 @@ namespace {
 using namespace sandbox;
 using testing::ElementsAre;
 
-/// Waits for bytes to reach a file in a folder, from construction on.
+/// Waits for bytes to stand in a file, watching its folder from construction on.
 class FirstWrite {
   public:
-    explicit FirstWrite(const fs::path& folder) : events_(::inotify_init1(IN_CLOEXEC)) {
-        ::inotify_add_watch(events_.number(), folder.c_str(), IN_MODIFY);
+    explicit FirstWrite(fs::path file) : file_(std::move(file)), events_(::inotify_init1(IN_CLOEXEC)) {
+        ::inotify_add_watch(events_.number(), file_.parent_path().c_str(), IN_MODIFY);
     }
     void wait() const {
         std::array<char, 4096> event{};
-        readSome(events_, event);
+        while (regularFileSize(file_).value_or(0) == 0)
+            readSome(events_, event);
     }
 
   private:
+    fs::path file_;
     Descriptor events_;
 };
 
@@ -179,7 +181,7 @@ TEST_F(RcloneOnSandbox, refreshesItsOwnTokenWhenTheEndIsNear) {
 TEST_F(RcloneOnSandbox, endsWhenToldToAndLeavesThePartThatItHas) {
     const std::string file = drive.addFile("root", "a", Content::pattern(5, 4'000'000));
     sandbox.inject(Fault::on(media(file)).stallAfterBodyBytes(3'000'000));
-    const FirstWrite written(rclone.folder().path());
+    const FirstWrite written(rclone.folder() / "a");
     rclone.start({{file, "a"}});
     written.wait();
 
