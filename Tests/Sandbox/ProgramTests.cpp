@@ -3,6 +3,7 @@
 
 #include <boost/json.hpp>
 #include <csignal>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <spawn.h>
 #include <sys/wait.h>
