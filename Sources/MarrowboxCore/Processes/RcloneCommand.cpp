@@ -1,6 +1,7 @@
 #include "Processes/RcloneCommand.h"
 
 #include "Models/JSONFile.h"
+#include "Models/Uuid.h"
 
 #include <array>
 #include <boost/describe/class.hpp>
@@ -12,6 +13,22 @@
 namespace marrowbox {
 
 namespace {
+
+// No configuration file is read or written, and nothing behind "--" can be taken for a flag.
+// clang-format off: an option stands beside its value
+constexpr std::array<std::string_view, 20> commonArguments{
+    "backend", "copyid", "marrow:",
+    "--config", "/dev/null",
+    "--drive-export-formats", "docx,xlsx,pptx,svg",
+    "--retries", "3",
+    "--low-level-retries", "5",
+    "--contimeout", "20s",
+    "--timeout", "5m",
+    "--log-level", "ERROR",
+    "--stats", "0",
+    "--",
+};
+// clang-format on
 
 /// A token as rclone reads it.
 struct RcloneToken {
@@ -56,34 +73,38 @@ std::string tokenText(const OAuthToken& token) {
 
 } // namespace
 
-std::vector<std::string> RcloneCommand::arguments(std::span<const SourceEntry> batch,
-                                                  const std::filesystem::path& folder) {
-    // No configuration file is read or written, and after "--" nothing can be taken for a flag.
-    std::vector<std::string> arguments{"backend",
-                                       "copyid",
-                                       "marrow:",
-                                       "--config",
-                                       "/dev/null",
-                                       "--drive-export-formats",
-                                       "docx,xlsx,pptx,svg",
-                                       "--retries",
-                                       "3",
-                                       "--low-level-retries",
-                                       "5",
-                                       "--contimeout",
-                                       "20s",
-                                       "--timeout",
-                                       "5m",
-                                       "--log-level",
-                                       "ERROR",
-                                       "--stats",
-                                       "0",
-                                       "--"};
+bool RcloneCommand::isRewritten(std::string_view path) {
+    // U+201B, with which rclone quotes, and the pictures of control characters, U+2401 to U+241F and U+2421.
+    // All of them are three bytes long in UTF-8.
+    const auto hasPicture = [&](unsigned last) {
+        return path.find("\xE2\x90" + std::string(1, static_cast<char>(last))) != std::string_view::npos;
+    };
+    for (unsigned last = 0x81; last <= 0x9F; ++last)
+        if (hasPicture(last))
+            return true;
+    return hasPicture(0xA1) || path.find("\u201B") != std::string_view::npos;
+}
+
+std::vector<RcloneCommand::Item> RcloneCommand::items(std::span<const SourceEntry> batch,
+                                                      const std::filesystem::path& folder) {
+    std::vector<Item> items;
     for (const auto& entry : batch) {
         if (entry.isDirectory)
             continue;
-        arguments.push_back(entry.id.string());
-        arguments.push_back((folder / entry.path.view()).string());
+        Item item;
+        item.id = entry.id.string();
+        item.target = folder / entry.path.view();
+        item.fetchedTo = isRewritten(entry.path) ? folder / Uuid::random().text() : item.target;
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
+std::vector<std::string> RcloneCommand::arguments(std::span<const Item> items) {
+    std::vector<std::string> arguments(commonArguments.begin(), commonArguments.end());
+    for (const auto& item : items) {
+        arguments.push_back(item.id);
+        arguments.push_back(item.fetchedTo.string());
     }
     return arguments;
 }

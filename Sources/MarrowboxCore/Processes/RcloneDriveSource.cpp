@@ -29,6 +29,12 @@ void makeParentFolders(std::span<const SourceEntry> batch, const fs::path& folde
     }
 }
 
+void moveIntoPlace(std::span<const RcloneCommand::Item> items) {
+    for (const auto& item : items)
+        if (item.fetchedTo != item.target)
+            fs::rename(item.fetchedTo, item.target);
+}
+
 } // namespace
 
 RcloneDriveSource::RcloneDriveSource(DriveAPI api, DriveLocation location, fs::path executable,
@@ -77,13 +83,15 @@ asio::awaitable<void> RcloneDriveSource::downloadBatch(std::vector<SourceEntry> 
     const auto token = co_await api_.auth->token(api_.accountID, stop);
     auto environment = RcloneCommand::environment(api_.auth->client(), token, location_);
     makeParentFolders(batch, folder);
-    auto arguments = RcloneCommand::arguments(batch, folder);
+    const auto items = RcloneCommand::items(batch, folder);
+    auto arguments = RcloneCommand::arguments(items);
     const auto result = co_await ProcessRunner::run(executable_, std::move(arguments), std::move(environment),
                                                     surroundings_, stop);
     if (result.status != 0)
         throw BackupError("rclone could not download this batch (exit " + std::to_string(result.status) +
                           "). Check connectivity, download permissions, and Google export limits. Earlier "
                           "backups are safe.");
+    moveIntoPlace(items);
 }
 
 } // namespace marrowbox
