@@ -230,7 +230,7 @@ TEST(RcloneDriveSource, passesAFailureToMakeAFolderThrough) {
 
 TEST(RcloneDriveSource, passesAMissingTokenThrough) {
     Fixture fixture;
-    RcloneDriveSource source({fixture.auth, "somebody else"}, fixture.location, fixture.rclone.executable(),
+    RcloneDriveSource source({fixture.auth, "nobody"}, fixture.location, fixture.rclone.executable(),
                              fixture.surroundings.value);
     EXPECT_EQ(test::thrown<BackupError>([&] { test::await(source.download(files(1), fixture.folder, {})); }),
               "Reconnect this Google account in Settings.");
