@@ -11,9 +11,10 @@ namespace marrowbox {
 
 namespace {
 
-std::exception_ptr sessionEnded() {
-    return std::make_exception_ptr(
-        TransportError(TransportErrorCode::cancelled, "The session ended before the response was complete."));
+constexpr const char* sessionEnded = "The session ended before the response was complete.";
+
+std::exception_ptr transportFailure(TransportErrorCode code, const char* words) {
+    return std::make_exception_ptr(TransportError(code, words));
 }
 
 // Signals are for the threads that expect them; this one would only lose a broken pipe to the program.
@@ -55,7 +56,7 @@ void HTTPSession::Network::submit(std::shared_ptr<HTTPTransfer> transfer) {
             return;
         }
     }
-    transfer->fail(sessionEnded());
+    transfer->fail(transportFailure(TransportErrorCode::cancelled, sessionEnded));
 }
 
 void HTTPSession::Network::cancel(std::shared_ptr<HTTPTransfer> transfer) {
@@ -91,7 +92,7 @@ void HTTPSession::Network::run() {
         for (const auto& transfer : inbox.cancelled)
             abandon(transfer, std::make_exception_ptr(CancellationError()));
         if (inbox.isStopping)
-            return abandonAll(sessionEnded());
+            return abandonAll(TransportErrorCode::cancelled, sessionEnded);
         move();
     }
 }
@@ -99,14 +100,19 @@ void HTTPSession::Network::run() {
 void HTTPSession::Network::start(const std::shared_ptr<HTTPTransfer>& transfer) {
     if (transfer->isCancelled())
         return transfer->fail(std::make_exception_ptr(CancellationError()));
+    // Let go of before it is reported: the failure then belongs to the coroutine's thread alone.
+    std::exception_ptr failure;
     try {
         CURL* handle = transfer->prepare(settings_);
         active_.emplace(handle, transfer);
         curl_multi_add_handle(multi_.get(), handle);
-    } catch (const std::exception&) {
-        active_.erase(transfer->handle());
-        transfer->fail(std::current_exception());
+    } catch (...) {
+        failure = std::current_exception();
     }
+    if (!failure)
+        return;
+    active_.erase(transfer->handle());
+    transfer->fail(std::move(failure));
 }
 
 void HTTPSession::Network::move() {
@@ -117,8 +123,7 @@ void HTTPSession::Network::move() {
     if (code == CURLM_OK)
         code = curl_multi_poll(multi_.get(), nullptr, 0, std::numeric_limits<int>::max(), nullptr);
     if (code != CURLM_OK)
-        abandonAll(
-            std::make_exception_ptr(TransportError(TransportErrorCode::other, curl_multi_strerror(code))));
+        abandonAll(TransportErrorCode::other, curl_multi_strerror(code));
 }
 
 void HTTPSession::Network::reportFinished() {
@@ -144,10 +149,10 @@ void HTTPSession::Network::abandon(const std::shared_ptr<HTTPTransfer>& transfer
     transfer->fail(std::move(failure));
 }
 
-void HTTPSession::Network::abandonAll(std::exception_ptr failure) {
+void HTTPSession::Network::abandonAll(TransportErrorCode code, const char* words) {
     while (!active_.empty()) {
         const auto transfer = active_.begin()->second;
-        abandon(transfer, failure);
+        abandon(transfer, transportFailure(code, words));
     }
 }
 

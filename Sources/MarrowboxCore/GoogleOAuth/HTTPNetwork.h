@@ -41,7 +41,7 @@ class HTTPSession::Network {
     void move();
     void reportFinished();
     void abandon(const std::shared_ptr<HTTPTransfer>& transfer, std::exception_ptr failure);
-    void abandonAll(std::exception_ptr failure);
+    void abandonAll(TransportErrorCode code, const char* words);
 
     HTTPSettings settings_;
     std::unique_ptr<CURLM, FreeMulti> multi_;

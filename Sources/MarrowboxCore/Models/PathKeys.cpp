@@ -16,13 +16,23 @@ std::uint64_t mixed(std::uint64_t above, std::uint64_t piece) {
     return sum ^ sum >> 32;
 }
 
+/// For a folder with a "/" at its end.
+std::string_view folderAbove(std::string_view folder) {
+    return folder.substr(0, folder.substr(0, folder.size() - 1).rfind('/') + 1);
+}
+
 } // namespace
 
-void PathKeys::moveTo(std::string_view path) {
-    const bool isBesideTheLast = !folder_.empty() && path.starts_with(folder_);
-    std::size_t start = isBesideTheLast ? folder_.size() : 0;
-    pieces_.resize(isBesideTheLast ? pieces_.size() - 1 : 0);
-    text_.resize(isBesideTheLast ? pieces_.back().end : 0);
+std::size_t PathKeys::moveTo(std::string_view path) {
+    if (!pieces_.empty())
+        pieces_.pop_back();
+    while (!path.starts_with(folder_)) {
+        pieces_.pop_back();
+        folder_ = folderAbove(folder_);
+    }
+    const std::size_t shared = folder_.size();
+    text_.resize(pieces_.empty() ? 0 : pieces_.back().end);
+    std::size_t start = shared;
     while (true) {
         const std::size_t slash = path.find('/', start);
         append(path.substr(start, slash - start));
@@ -31,6 +41,7 @@ void PathKeys::moveTo(std::string_view path) {
         start = slash + 1;
     }
     folder_ = path.substr(0, start);
+    return shared;
 }
 
 void PathKeys::append(std::string_view piece) {

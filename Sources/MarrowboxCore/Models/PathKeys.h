@@ -17,11 +17,14 @@ struct PathKey {
 
 /// The keys of a path and of all folders above it, made piece by piece: no rule of composition or of lower
 /// case reaches across a "/", so the key of a folder is the beginning of the key of what lies in it. A path
-/// in the folder of the one before it costs its last piece alone.
+/// costs only the pieces that it does not share with the one before it.
 class PathKeys {
   public:
-    /// Takes a path without empty pieces, which stays in place until the next call.
-    void moveTo(std::string_view path);
+    /// Takes a path, which stays in place until the next call. Gives the length of the folders that it shares
+    /// with the path before it, with the "/" at their end.
+    std::size_t moveTo(std::string_view path);
+    /// The folder that the path lies in, with the "/" at its end; empty at the root.
+    std::string_view folder() const { return folder_; }
     /// The number of pieces.
     std::size_t depth() const { return pieces_.size(); }
     /// The key of the first so many pieces, from 1 on. Valid until the next call of moveTo.
@@ -40,7 +43,7 @@ class PathKeys {
 
     std::string text_;
     std::vector<Piece> pieces_;
-    std::string_view folder_; ///< Of the last path, with the "/" at its end.
+    std::string_view folder_;
 };
 
 /// Finds numbered items by their keys. It holds numbers and parts of hashes, eight bytes an item, since a
@@ -49,6 +52,8 @@ class PathKeyTable {
   public:
     /// For at most so many items.
     explicit PathKeyTable(std::size_t items);
+    /// Fetches what insert and find look at first, to be there when they do.
+    void prefetch(std::uint64_t hash) const { __builtin_prefetch(&slots_[hash & mask_]); }
     /// False when isSame says of an item that is here already that it has this key.
     template <typename IsSame>
     bool insert(std::uint64_t hash, std::uint32_t item, IsSame isSame) {
