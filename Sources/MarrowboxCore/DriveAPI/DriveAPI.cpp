@@ -9,6 +9,7 @@
 #include "Platform/UnicodeText.h"
 
 #include <map>
+#include <numeric>
 
 namespace marrowbox {
 
@@ -90,12 +91,19 @@ void append(std::vector<DriveFile>& files, std::vector<DriveFile> page) {
         std::ranges::move(page, std::back_inserter(files));
 }
 
+/// Equal names keep the service's order.
 void sortByName(std::vector<DriveFile>& files, const NameOrder& order) {
-    const auto isBefore = [&](const DriveFile& left, const DriveFile& right) {
-        return order.compare(left.name, right.name) < 0;
-    };
-    if (!std::ranges::is_sorted(files, isBefore))
-        std::ranges::stable_sort(files, isBefore);
+    std::vector<std::uint32_t> places(files.size());
+    std::iota(places.begin(), places.end(), 0);
+    std::ranges::sort(places, [&](std::uint32_t left, std::uint32_t right) {
+        const int compared = order.compare(files[left].name, files[right].name);
+        return compared != 0 ? compared < 0 : left < right;
+    });
+    std::vector<DriveFile> sorted;
+    sorted.reserve(files.size());
+    for (const std::uint32_t place : places)
+        sorted.push_back(std::move(files[place]));
+    files = std::move(sorted);
 }
 
 asio::awaitable<std::vector<DriveFile>> listChildren(DriveAPI api, DriveLocation of, DriveItems items,
