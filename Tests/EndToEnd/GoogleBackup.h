@@ -19,8 +19,8 @@
 
 namespace marrowbox::test {
 
-/// A backup of a folder in a simulated Drive. Everything on our side is real: the connections, the engine, the
-/// repository, and rclone as the system installs it.
+/// A backup of a folder in a simulated Drive. Everything on our side is real: the connections, the engine,
+/// the repository, and rclone as the system installs it.
 class GoogleBackup {
   public:
     /// With a source folder "Source" in My Drive and a token that lasts an hour.
@@ -36,18 +36,19 @@ class GoogleBackup {
     std::future<Snapshot> start(std::stop_token stop = {});
     /// Runs to the end and gives the snapshot, or throws what stopped the run.
     Snapshot run() { return start().get(); }
-    /// The sentence that stops the run. Fails the test unless the repository and the machine are as they were.
+    /// The sentence that stops the run. Fails the test unless the repository and the machine are as they
+    /// were.
     std::string refusal();
 
-    /// Fails the test unless the snapshot has exactly these paths, folders included, and each file's object holds
-    /// the bytes that the Drive holds now.
+    /// Fails the test unless the snapshot has exactly these paths, folders included, and each file's object
+    /// holds the bytes that the Drive holds now.
     void expectHolds(const Snapshot& snapshot, std::vector<std::string> paths) const;
-    /// Fails the test when a run has left a child, a scratch or work folder, a held lock, or a snapshot more or
-    /// less than so many.
+    /// Fails the test when a run has left a child, a scratch or work folder, a held lock, or a snapshot more
+    /// or less than so many.
     void expectSettled(std::size_t snapshots) const;
 
-    /// How often rclone was started and got as far as a connection.
-    std::size_t rcloneCalls() const;
+    /// How many calls of rclone fetched something from My Drive.
+    std::size_t rcloneCalls();
     const std::vector<std::string>& progress() const { return *progress_; }
 
     sandbox::SandboxServer sandbox;
