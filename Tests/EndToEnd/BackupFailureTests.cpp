@@ -26,13 +26,18 @@ struct ChangedBackup : testing::Test {
         backup.drive.replaceContent(changed, Content::pattern(1, 200'000));
     }
 
-    /// Proves that nothing of a failed run stands in the way of the next one.
-    void expectNextRunSucceeds() {
-        backup.sandbox.clearFaults();
+    /// Runs with the faults that are injected.
+    void expectRunSucceeds() {
         const auto snapshot = backup.run();
         backup.expectHolds(snapshot, {"first", "second", "third"});
         EXPECT_EQ(snapshot.summary, (RunSummary{0, 1, 0, 2, 0, 200'000}));
         backup.expectSettled(2);
+    }
+
+    /// Proves that nothing of a failed run stands in the way of the next one.
+    void expectNextRunSucceeds() {
+        backup.sandbox.clearFaults();
+        expectRunSucceeds();
     }
 
     GoogleBackup backup;
@@ -74,13 +79,17 @@ TEST_F(ChangedBackup, endsWhenTheAccountLosesItsAccessInMidRun) {
 
 TEST_F(ChangedBackup, goesOnAfterOneBrokenConnection) {
     backup.sandbox.inject(Fault::on(media(changed)).cutAfterBodyBytes(100'000));
-    expectNextRunSucceeds();
+    expectRunSucceeds();
+    EXPECT_EQ(backup.sandbox.requests().count(media(changed)),
+              3U); // the first run's, the broken one, the whole
 }
 
 TEST_F(ChangedBackup, goesOnWhenTheServiceIsBusyForAWhile) {
     backup.sandbox.inject(Fault::on(media(changed)).answer(429).reason("rateLimitExceeded"));
     backup.sandbox.inject(Fault::on(metadata(changed)).answer(503));
-    expectNextRunSucceeds();
+    expectRunSucceeds();
+    EXPECT_EQ(backup.sandbox.requests().count(media(changed)), 3U);
+    EXPECT_EQ(backup.sandbox.requests().count(metadata(changed)), 3U);
 }
 
 TEST_F(ChangedBackup, publishesNothingWhenTheSourceChangesInMidRun) {
