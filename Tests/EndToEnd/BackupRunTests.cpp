@@ -81,6 +81,22 @@ TEST(BackupRun, bringsASharedDrive) {
     EXPECT_EQ(backup.rcloneCalls(), 0U); // a shared drive has no such root
 }
 
+TEST(BackupRun, asksGoogleInThisOrder) {
+    GoogleBackup backup;
+    const auto file = backup.drive.addFile(backup.folder, "a", "content");
+    const auto inner = backup.drive.addFolder(backup.folder, "b");
+    const auto document = backup.drive.addNative(inner, "c", NativeKind::document, "text");
+    backup.run();
+    const std::string item = "GET /drive/v3/files/";
+    const std::vector<std::string> inventory{item + backup.folder, "GET /drive/v3/files",
+                                             "GET /drive/v3/files"};
+    std::vector<std::string> expected = inventory;
+    expected.insert(expected.end(), {item + "root", item + file, item + file, item + document,
+                                     "GET /drive/v3/about", "GET /feeds/download/documents/export/Export"});
+    expected.insert(expected.end(), inventory.begin(), inventory.end());
+    EXPECT_EQ(backup.sandbox.requests().lines(), expected);
+}
+
 TEST(BackupRun, bringsAwkwardNames) {
     GoogleBackup backup;
     const std::vector<std::pair<std::string, std::string>> names{
