@@ -37,9 +37,9 @@ class Stage {
     asio::awaitable<Snapshot> backUp(SyncUnit unit, Progress progress, std::stop_token stop);
 
   private:
+    sandbox::SandboxServer sandbox_;
     fs::path authority_;
     fs::path destination_;
-    sandbox::SandboxServer sandbox_;
     asio::thread_pool pool_;
     HTTPSession session_;
     std::shared_ptr<const GoogleAuth> auth_;
