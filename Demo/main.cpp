@@ -6,8 +6,8 @@
 #include "Platform/Files.h"
 #include "Sandbox/DemoTree.h"
 
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/signal_set.hpp>
-#include <boost/asio/use_future.hpp>
 #include <csignal>
 #include <iostream>
 
@@ -69,11 +69,14 @@ int run(const fs::path& folder) {
         if (!failed)
             stop.request_stop();
     });
+    // The loop lasts until the backups have wound down, not only until the signal has come.
+    auto untilDone = asio::make_work_guard(signals);
     std::exception_ptr failure;
     asio::co_spawn(stage.executor(), demonstrate(stage, stop.get_token()), [&](std::exception_ptr thrown) {
         asio::post(signals, [&, thrown] {
             failure = thrown;
             interrupts.cancel();
+            untilDone.reset();
         });
     });
     signals.run();
