@@ -159,7 +159,7 @@ TEST(DriveTree, walksLevelByLevelAndSortsByPath) {
         else
             tree.add({});
     }
-    EXPECT_THAT(visited, ElementsAre("top", "b", "a", "bb"));
+    EXPECT_THAT(visited, ElementsAre("top", "a", "b", "bb"));
     EXPECT_THAT(paths(tree.finish()), ElementsAre("a", "b", "b/a", "b/b", "z"));
 }
 
@@ -212,6 +212,42 @@ TEST(DriveTree, namesEveryChildBeforeItLooksAtAnyOther) {
     const std::string words = thrown<BackupError>(
         [&] { tree.add({withoutVersion, driveFile("s", "Link", "application/vnd.google-apps.shortcut")}); });
     EXPECT_TRUE(words.starts_with("“Link” is a Google type")) << words;
+}
+
+TEST(DriveTree, goesOnInTheOrderOfAFileBrowser) {
+    DriveTree tree = treeOf();
+    tree.nextFolder();
+    tree.add({driveFolder("ten", "part 10"), driveFile("x", "x"), driveFolder("nine", "Part 9"),
+              driveFolder("first", "same"), driveFolder("second", "same")});
+    std::vector<std::string> visited;
+    while (const auto folder = tree.nextFolder()) {
+        visited.push_back(folder->id);
+        tree.add({});
+    }
+    EXPECT_THAT(visited, ElementsAre("nine", "ten", "first", "second"));
+}
+
+TEST(DriveTree, tellsTheRefusalThatComesFirstInAFileBrowser) {
+    DriveFile tenth = driveFile("a", "part 10");
+    tenth.version.reset();
+    DriveFile ninth = driveFile("b", "Part 9");
+    ninth.capabilities = DriveFile::Capabilities{false};
+    DriveTree tree = treeOf();
+    tree.nextFolder();
+    EXPECT_EQ(thrown<BackupError>([&] { tree.add({tenth, driveFolder("d", "z"), ninth}); }),
+              "Google does not permit downloading “Part 9”. Ask its owner to allow downloads.");
+}
+
+TEST(DriveTree, knowsTheUpcomingFolderAsSoonAsItCan) {
+    DriveTree tree = treeOf();
+    EXPECT_EQ(tree.nextFolder(), source);
+    EXPECT_EQ(tree.upcomingFolder(), std::nullopt);
+    tree.add({driveFolder("a", "a"), driveFolder("b", "b"), driveFolder("top", "c")});
+    EXPECT_EQ(tree.nextFolder()->id, "a");
+    EXPECT_EQ(tree.upcomingFolder()->id, "b");
+    tree.add({});
+    EXPECT_EQ(tree.nextFolder()->id, "b");
+    EXPECT_EQ(tree.upcomingFolder(), std::nullopt) << "the cycle is for its turn to find";
 }
 
 TEST(DriveTree, checksTheWholeListAtItsEnd) {

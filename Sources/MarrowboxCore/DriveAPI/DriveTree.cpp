@@ -23,12 +23,8 @@ std::int64_t sizeOf(const DriveFile& file) {
     return error == std::errc() && end == digits.data() + digits.size() ? size : unknownSize;
 }
 
-SharedText versionOf(const DriveFile& file, const std::string& path) {
-    if (file.version)
-        return *file.version;
-    if (file.modifiedTime)
-        return *file.modifiedTime;
-    throw BackupError("Google did not provide a version for “" + path + "”.");
+SharedText versionOf(const DriveFile& file) {
+    return file.version ? *file.version : *file.modifiedTime;
 }
 
 bool mayDownload(const DriveFile& file) {
@@ -53,17 +49,54 @@ std::optional<DriveLocation> DriveTree::nextFolder() {
     return location;
 }
 
+std::optional<DriveLocation> DriveTree::upcomingFolder() const {
+    if (next_ + 1 >= folders_.size() || visited_.contains(folders_[next_ + 1].location.id))
+        return std::nullopt;
+    return folders_[next_ + 1].location;
+}
+
 void DriveTree::add(std::vector<DriveFile> children) {
     // Taken out, since the list grows while the children are added.
     const Folder folder = std::move(folders_[next_++]);
-    const std::vector<std::string> names = DriveNames::namesOf(children);
     const std::string prefix = folder.path.empty() ? "" : folder.path + "/";
+    std::vector<std::string> names;
+    try {
+        names = DriveNames::namesOf(children);
+        check(children, names, prefix);
+    } catch (const BackupError&) {
+        // Of several reasons to refuse a folder, the one that comes first in a file browser is told.
+        DriveNames::sort(children, order_);
+        check(children, DriveNames::namesOf(children), prefix);
+        throw;
+    }
+    for (std::size_t place = 0; place < children.size(); ++place)
+        if (!children[place].isFolder())
+            addFile(std::move(children[place]), prefix + names[place]);
+    for (const std::uint32_t place : foldersInOrder(children))
+        addFolder(std::move(children[place]), prefix + names[place], folder.location.sharedDriveID);
+}
+
+/// Where the folders stand among the children, in the order in which the walk goes on.
+std::vector<std::uint32_t> DriveTree::foldersInOrder(std::span<const DriveFile> children) const {
+    std::vector<std::uint32_t> places;
+    for (std::uint32_t place = 0; place < children.size(); ++place)
+        if (children[place].isFolder())
+            places.push_back(place);
+    DriveNames::sortPlaces(places, children, order_);
+    return places;
+}
+
+void DriveTree::check(std::span<const DriveFile> children, std::span<const std::string> names,
+                      const std::string& prefix) const {
     for (std::size_t index = 0; index < children.size(); ++index) {
-        const std::string path = prefix + names[index];
-        if (children[index].isFolder())
-            addFolder(std::move(children[index]), path, folder.location.sharedDriveID);
-        else
-            addFile(std::move(children[index]), path);
+        const DriveFile& child = children[index];
+        if (child.isFolder())
+            continue;
+        if (!mayDownload(child))
+            throw BackupError("Google does not permit downloading “" + prefix + names[index] +
+                              "”. Ask its owner to allow downloads.");
+        if (!child.version && !child.modifiedTime)
+            throw BackupError("Google did not provide a version for “" + prefix + names[index] + "”.");
     }
 }
 
@@ -80,10 +113,7 @@ void DriveTree::addFolder(DriveFile child, const std::string& path,
 }
 
 void DriveTree::addFile(DriveFile child, const std::string& path) {
-    if (!mayDownload(child))
-        throw BackupError("Google does not permit downloading “" + path +
-                          "”. Ask its owner to allow downloads.");
-    SharedText version = versionOf(child, path);
+    SharedText version = versionOf(child);
     const std::int64_t size = sizeOf(child);
     entries_.push_back({.id = std::move(child.id),
                         .path = path,

@@ -4,9 +4,12 @@
 #include "Models/DriveLocation.h"
 #include "Models/SharedText.h"
 #include "Models/SourceEntry.h"
+#include "Platform/UnicodeText.h"
 
 #include <boost/unordered/unordered_flat_set.hpp>
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,7 +24,9 @@ class DriveTree {
 
     /// The folder whose children come next; absent when all are known. Throws when it was listed before.
     std::optional<DriveLocation> nextFolder();
-    /// Takes the children of that folder.
+    /// The folder that will come next, as soon as that can be told; absent also when it would be refused.
+    std::optional<DriveLocation> upcomingFolder() const;
+    /// Takes the children of that folder, in any order.
     void add(std::vector<DriveFile> children);
     /// All entries, checked and sorted by path. Ends the walk.
     std::vector<SourceEntry> finish();
@@ -31,6 +36,9 @@ class DriveTree {
         DriveLocation location;
         std::string path;
     };
+    void check(std::span<const DriveFile> children, std::span<const std::string> names,
+               const std::string& prefix) const;
+    std::vector<std::uint32_t> foldersInOrder(std::span<const DriveFile> children) const;
     void addFolder(DriveFile child, const std::string& path, const std::optional<std::string>& sharedDriveID);
     void addFile(DriveFile child, const std::string& path);
 
@@ -39,6 +47,7 @@ class DriveTree {
     boost::unordered_flat_set<std::string> visited_;
     std::vector<SourceEntry> entries_;
     TextPool types_;
+    NameOrder order_;
 };
 
 } // namespace marrowbox
