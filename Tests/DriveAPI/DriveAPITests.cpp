@@ -87,7 +87,6 @@ class DriveAPITest : public testing::Test {
     HTTPSession session_{settings()};
     DriveAPI api_ = apiOver(HTTP(session_, waits_.wait()));
 };
-};
 
 } // namespace
 
