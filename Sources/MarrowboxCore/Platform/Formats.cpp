@@ -1,5 +1,6 @@
 #include "Platform/Formats.h"
 
+#include "Platform/HostTimeZone.h"
 #include "Platform/UserLocale.h"
 
 #include <array>
@@ -8,7 +9,6 @@
 #include <unicode/datefmt.h>
 #include <unicode/measunit.h>
 #include <unicode/numberformatter.h>
-#include <unicode/timezone.h>
 
 namespace marrowbox {
 
@@ -97,8 +97,7 @@ Formats::Formats(const std::string& timeZone, const std::string& locale)
 }
 
 Formats Formats::current() {
-    std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::detectHostTimeZone());
-    return Formats(std::make_shared<const Implementation>(*zone, userLocale()));
+    return Formats(std::make_shared<const Implementation>(*hostTimeZone(), userLocale()));
 }
 
 std::string Formats::dateAndTime(Date date) const {
