@@ -4,7 +4,7 @@
 #include "Platform/UserLocale.h"
 
 #include <array>
-#include <cmath>
+#include <mutex>
 #include <stdexcept>
 #include <unicode/datefmt.h>
 #include <unicode/measunit.h>
@@ -79,6 +79,8 @@ std::uint64_t magnitude(std::int64_t number) {
 } // namespace
 
 struct Formats::Implementation {
+    /// A date format prepares itself further while it is used.
+    mutable std::mutex mutex;
     icu::Locale locale;
     std::unique_ptr<icu::DateFormat> dateAndTime;
     std::unique_ptr<icu::DateFormat> time;
@@ -101,10 +103,12 @@ Formats Formats::current() {
 }
 
 std::string Formats::dateAndTime(Date date) const {
+    const std::lock_guard lock(implementation_->mutex);
     return formatted(*implementation_->dateAndTime, date);
 }
 
 std::string Formats::time(Date date) const {
+    const std::lock_guard lock(implementation_->mutex);
     return formatted(*implementation_->time, date);
 }
 
