@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace marrowbox::test {
 
@@ -25,6 +26,8 @@ SourceEntry entryOf(DriveFile file) {
     DriveTree tree = treeOf();
     tree.nextFolder();
     tree.add({std::move(file)});
+    if (tree.nextFolder())
+        tree.add({});
     return tree.finish().at(0);
 }
 
@@ -248,6 +251,46 @@ TEST(DriveTree, knowsTheUpcomingFolderAsSoonAsItCan) {
     tree.add({});
     EXPECT_EQ(tree.nextFolder()->id, "b");
     EXPECT_EQ(tree.upcomingFolder(), std::nullopt) << "the cycle is for its turn to find";
+}
+
+TEST(DriveTree, sortsByTheBytesOfWholePaths) {
+    // Some characters come before the separator, so that what lies in a folder does not always follow it.
+    DriveTree tree = treeOf();
+    tree.nextFolder();
+    tree.add({driveFolder("1", "a"), driveFile("2", "a b"), driveFolder("3", "a!"), driveFile("4", "a.txt"),
+              driveFile("5", "a0"), driveFolder("6", "ä"), driveFile("7", "B"), driveFolder("8", "empty")});
+    while (const auto folder = tree.nextFolder())
+        tree.add(folder->id == "8"
+                     ? std::vector<DriveFile>()
+                     : std::vector{driveFile("x" + folder->id, "z"), driveFile("y" + folder->id, "Z1")});
+    const std::vector<std::string> found = paths(tree.finish());
+    std::vector<std::string> expected = found;
+    std::ranges::sort(expected);
+    EXPECT_EQ(found, expected);
+    EXPECT_EQ(found.size(), 14U);
+}
+
+TEST(DriveTree, sortsRandomTreesByTheBytesOfWholePaths) {
+    std::mt19937 random(7);
+    const std::string letters = "a !.-0Ab~";
+    for (int round = 0; round < 50; ++round) {
+        DriveTree tree = treeOf();
+        int ids = 0;
+        while (const auto folder = tree.nextFolder()) {
+            std::vector<DriveFile> children;
+            for (unsigned count = random() % 8; count > 0 && ids < 300; --count) {
+                std::string name;
+                for (unsigned length = 1 + random() % 4; length > 0; --length)
+                    name += letters[random() % letters.size()];
+                const std::string id = "i" + std::to_string(++ids);
+                children.push_back(random() % 2 == 0 ? driveFolder(id, name) : driveFile(id, name));
+            }
+            tree.add(std::move(children));
+        }
+        const std::vector<SourceEntry> entries = tree.finish();
+        EXPECT_EQ(entries.size(), static_cast<std::size_t>(ids));
+        EXPECT_TRUE(std::ranges::is_sorted(entries, {}, &SourceEntry::path));
+    }
 }
 
 TEST(DriveTree, checksTheWholeListAtItsEnd) {

@@ -139,18 +139,18 @@ std::vector<std::string> namesOf(std::span<const DriveFile> children) {
     return names;
 }
 
-void sortPlaces(std::vector<std::uint32_t>& places, std::span<const DriveFile> files,
-                const NameOrder& order) {
+void sort(std::span<DriveFile> files, const NameOrder& order) {
+    const auto comesBefore = [&](const DriveFile& left, const DriveFile& right) {
+        return order.compare(left.name, right.name) < 0;
+    };
+    if (std::ranges::is_sorted(files, comesBefore))
+        return;
+    std::vector<std::uint32_t> places(files.size());
+    std::iota(places.begin(), places.end(), 0);
     std::ranges::sort(places, [&](std::uint32_t left, std::uint32_t right) {
         const int compared = order.compare(files[left].name, files[right].name);
         return compared != 0 ? compared < 0 : left < right;
     });
-}
-
-void sort(std::span<DriveFile> files, const NameOrder& order) {
-    std::vector<std::uint32_t> places(files.size());
-    std::iota(places.begin(), places.end(), 0);
-    sortPlaces(places, files, order);
     std::vector<DriveFile> sorted;
     sorted.reserve(files.size());
     for (const std::uint32_t place : places)

@@ -3,7 +3,6 @@
 #include "DriveAPI/DriveFile.h"
 #include "Platform/UnicodeText.h"
 
-#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,9 +24,6 @@ std::string tagged(std::string_view name, std::string_view id);
 /// The names of the children of one folder: the exported ones, and tagged those that a file system without
 /// regard for case and composition would take for one another.
 std::vector<std::string> namesOf(std::span<const DriveFile> children);
-
-/// The same for places in a list of items, some or all of them.
-void sortPlaces(std::vector<std::uint32_t>& places, std::span<const DriveFile> files, const NameOrder& order);
 
 /// Puts items into the order of a file browser; equal names stay in theirs.
 void sort(std::span<DriveFile> files, const NameOrder& order);

@@ -33,6 +33,19 @@ bool mayDownload(const DriveFile& file) {
 
 } // namespace
 
+bool DriveTree::comesAfter(const Step& left, const Step& right) {
+    const std::size_t common = std::min(left.name.size(), right.name.size());
+    if (const int compared = left.name.compare(0, common, right.name, 0, common); compared != 0)
+        return compared > 0;
+    // What follows the common part: the rest of a name, the separator, or nothing, which comes first.
+    const auto following = [common](const Step& step) {
+        if (step.name.size() > common)
+            return static_cast<int>(static_cast<unsigned char>(step.name[common]));
+        return step.isBelow ? static_cast<int>('/') : -1;
+    };
+    return following(left) > following(right);
+}
+
 DriveTree::DriveTree(DriveLocation location, const DriveFile& source) {
     if (source.trashed.value_or(false) || !source.isFolder())
         throw BackupError("The source folder is unavailable or in the Google Drive trash.");
@@ -59,31 +72,18 @@ void DriveTree::add(std::vector<DriveFile> children) {
     // Taken out, since the list grows while the children are added.
     const Folder folder = std::move(folders_[next_++]);
     const std::string prefix = folder.path.empty() ? "" : folder.path + "/";
-    std::vector<std::string> names;
-    try {
-        names = DriveNames::namesOf(children);
-        check(children, names, prefix);
-    } catch (const BackupError&) {
-        // Of several reasons to refuse a folder, the one that comes first in a file browser is told.
-        DriveNames::sort(children, order_);
-        check(children, DriveNames::namesOf(children), prefix);
-        throw;
+    // The order of a file browser, in which the walk goes on and a refusal is told.
+    DriveNames::sort(children, order_);
+    const std::vector<std::string> names = DriveNames::namesOf(children);
+    check(children, names, prefix);
+    for (std::size_t index = 0; index < children.size(); ++index) {
+        const std::string path = prefix + names[index];
+        if (children[index].isFolder())
+            addFolder(std::move(children[index]), path, folder.location.sharedDriveID);
+        else
+            addFile(std::move(children[index]), path);
     }
-    for (std::size_t place = 0; place < children.size(); ++place)
-        if (!children[place].isFolder())
-            addFile(std::move(children[place]), prefix + names[place]);
-    for (const std::uint32_t place : foldersInOrder(children))
-        addFolder(std::move(children[place]), prefix + names[place], folder.location.sharedDriveID);
-}
-
-/// Where the folders stand among the children, in the order in which the walk goes on.
-std::vector<std::uint32_t> DriveTree::foldersInOrder(std::span<const DriveFile> children) const {
-    std::vector<std::uint32_t> places;
-    for (std::uint32_t place = 0; place < children.size(); ++place)
-        if (children[place].isFolder())
-            places.push_back(place);
-    DriveNames::sortPlaces(places, children, order_);
-    return places;
+    levels_.push_back({prefix.size(), entries_.size(), folders_.size()});
 }
 
 void DriveTree::check(std::span<const DriveFile> children, std::span<const std::string> names,
@@ -126,8 +126,40 @@ void DriveTree::addFile(DriveFile child, const std::string& path) {
 
 std::vector<SourceEntry> DriveTree::finish() {
     BackupPaths::validateEntries(entries_);
-    std::ranges::sort(entries_, {}, &SourceEntry::path);
-    return std::move(entries_);
+    // A folder's children are sorted among themselves, which is much less work than to sort all paths.
+    std::vector<SourceEntry> sorted;
+    sorted.reserve(entries_.size());
+    std::vector<std::vector<Step>> open{stepsBelow(0)};
+    while (!open.empty()) {
+        if (open.back().empty()) {
+            open.pop_back();
+            continue;
+        }
+        const Step step = open.back().back();
+        open.back().pop_back();
+        if (step.isBelow)
+            open.push_back(stepsBelow(step.index));
+        else
+            sorted.push_back(std::move(entries_[step.index]));
+    }
+    return sorted;
+}
+
+/// What a folder contributes in the order of paths, the last first: each child, and all that lies below each
+/// folder among them. The two can be apart, since some characters come before the one that separates names.
+std::vector<DriveTree::Step> DriveTree::stepsBelow(std::size_t folder) const {
+    const Level begin = folder == 0 ? Level{0, 0, 1} : levels_[folder - 1];
+    const Level& level = levels_[folder];
+    std::vector<Step> steps;
+    std::size_t inner = begin.foldersEnd;
+    for (std::size_t index = begin.entriesEnd; index < level.entriesEnd; ++index) {
+        const std::string_view name = entries_[index].path.view().substr(level.prefixLength);
+        steps.push_back({name, index, false});
+        if (entries_[index].isDirectory)
+            steps.push_back({name, inner++, true});
+    }
+    std::ranges::sort(steps, comesAfter);
+    return steps;
 }
 
 } // namespace marrowbox
