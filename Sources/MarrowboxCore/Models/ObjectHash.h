@@ -28,6 +28,11 @@ class ObjectHash {
     std::string text() const;
     /// Writes the 64 characters of a valid hash without allocating.
     void writeText(char* to) const noexcept;
+    /// The digest's first byte; 0 for an invalid hash.
+    std::uint8_t firstByte() const noexcept {
+        const auto* bytes = std::get_if<0>(&value_);
+        return bytes != nullptr ? bytes->front() : 0;
+    }
     /// A number made of the digest's own bytes, good as a table's hash; for an invalid one of its text.
     std::size_t tableHash() const noexcept;
 

@@ -16,7 +16,7 @@ constexpr std::size_t inlineCapacity = 7;
 SharedText::SharedText(std::string_view text) {
     if (text.size() <= inlineCapacity) {
         word_ = 1 | text.size() << 1;
-        std::memcpy(reinterpret_cast<char*>(&word_) + 1, text.data(), text.size());
+        text.copy(reinterpret_cast<char*>(&word_) + 1, text.size());
         return;
     }
     if (text.size() > UINT32_MAX)
@@ -27,12 +27,6 @@ SharedText::SharedText(std::string_view text) {
     auto* made = new (memory) Block{1, static_cast<std::uint32_t>(text.size())};
     std::memcpy(made->text(), text.data(), text.size());
     word_ = reinterpret_cast<std::uintptr_t>(made);
-}
-
-std::string_view SharedText::view() const noexcept {
-    if (isInline())
-        return {reinterpret_cast<const char*>(&word_) + 1, (word_ >> 1) & 7};
-    return {block()->text(), block()->length};
 }
 
 void SharedText::releaseBlock() noexcept {

@@ -34,7 +34,11 @@ class SharedText {
     }
     ~SharedText() { releaseBlock(); }
 
-    std::string_view view() const noexcept;
+    std::string_view view() const noexcept {
+        if (isInline())
+            return {reinterpret_cast<const char*>(&word_) + 1, (word_ >> 1) & 7};
+        return {block()->text(), block()->length};
+    }
     operator std::string_view() const noexcept { return view(); }
     std::string string() const { return std::string(view()); }
     bool empty() const noexcept { return view().empty(); }

@@ -110,6 +110,20 @@ void synchronizeFile(const fs::path& path) {
     synchronize(openFile(path, O_WRONLY), path);
 }
 
+void synchronizeFolder(const fs::path& path) {
+    const Descriptor folder = openFile(path, O_RDONLY | O_DIRECTORY);
+    const auto synchronized = retryInterrupted([&] { return ::fsync(folder.number()); });
+    const bool isUnsupported = errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;
+    if (synchronized != 0 && !isUnsupported)
+        throwSystemError("fsync", path);
+}
+
+void startWriting([[maybe_unused]] const Descriptor& file) noexcept {
+#ifdef __linux__
+    ::sync_file_range(file.number(), 0, 0, SYNC_FILE_RANGE_WRITE);
+#endif
+}
+
 void makeDirectory(const fs::path& path, mode_t mode) {
     if (::mkdir(path.c_str(), mode) != 0)
         throwSystemError("mkdir", path);

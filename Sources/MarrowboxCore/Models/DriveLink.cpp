@@ -1,0 +1,70 @@
+#include "Models/DriveLink.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace marrowbox {
+
+namespace {
+
+constexpr std::string_view driveApplication = "https://drive.google.com/drive/";
+constexpr std::size_t longestId = 200;
+
+bool isLetter(char byte) {
+    return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
+}
+bool isAlphanumeric(char byte) {
+    return isLetter(byte) || (byte >= '0' && byte <= '9');
+}
+
+/// Not empty, and made of ASCII letters, digits and these characters.
+bool consistsOf(std::string_view text, std::string_view alsoAllowed) {
+    return !text.empty() && std::ranges::all_of(text, [&](char byte) {
+        return isAlphanumeric(byte) || alsoAllowed.find(byte) != std::string_view::npos;
+    });
+}
+
+bool isDomain(std::string_view text) {
+    const std::size_t dot = text.rfind('.');
+    if (dot == std::string_view::npos)
+        return false;
+    const std::string_view name = text.substr(0, dot);
+    const std::string_view top = text.substr(dot + 1);
+    return consistsOf(name, ".-") && isAlphanumeric(name.front()) && isAlphanumeric(name.back()) &&
+           top.size() >= 2 && std::ranges::all_of(top, isLetter);
+}
+
+bool isEmailAddress(std::string_view text) {
+    const std::size_t at = text.find('@');
+    return at != std::string_view::npos && consistsOf(text.substr(0, at), ".!#$%&'*+/=?^_`{|}~-") &&
+           isDomain(text.substr(at + 1));
+}
+
+std::string percentEncoded(std::string_view text) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char byte : text) {
+        const auto value = static_cast<unsigned char>(byte);
+        if (isAlphanumeric(byte) || std::string_view("-._~").find(byte) != std::string_view::npos)
+            encoded += byte;
+        else
+            encoded += {'%', digits[value >> 4], digits[value & 15]};
+    }
+    return encoded;
+}
+
+} // namespace
+
+std::optional<std::string> DriveLink::folder(const DriveLocation& location,
+                                             const std::optional<std::string>& accountEmail) {
+    if (location.id.size() > longestId || !consistsOf(location.id, "-_"))
+        return std::nullopt;
+    std::string link(driveApplication);
+    link += location.id == "root" ? "my-drive" : "folders/" + location.id;
+    if (accountEmail && isEmailAddress(*accountEmail))
+        link += "?authuser=" + percentEncoded(*accountEmail);
+    return link;
+}
+
+} // namespace marrowbox

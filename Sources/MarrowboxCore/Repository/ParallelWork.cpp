@@ -1,0 +1,80 @@
+#include "Repository/ParallelWork.h"
+
+#include <algorithm>
+#include <atomic>
+#include <boost/asio/post.hpp>
+#include <latch>
+#include <mutex>
+#include <thread>
+
+namespace marrowbox {
+
+namespace {
+
+/// More threads than processors, since most of them wait for storage at any one time.
+std::size_t threadCount() {
+    return std::clamp<std::size_t>(4 * std::thread::hardware_concurrency(), 4, 16);
+}
+
+/// The calls of one piece of work, shared by the threads that make them.
+class SharedCalls {
+  public:
+    SharedCalls(std::size_t count, const std::function<void(std::size_t)>& work) : end_(count), work_(work) {}
+
+    /// Makes calls until none is left, or until those that are left lie behind a failure.
+    void take() noexcept {
+        for (std::size_t index = next_++; index < end_; index = next_++) {
+            try {
+                work_(index);
+            } catch (...) {
+                fail(index, std::current_exception());
+            }
+        }
+    }
+
+    std::optional<FirstFailure> failure() const { return first_; }
+
+  private:
+    void fail(std::size_t index, std::exception_ptr failure) {
+        const std::scoped_lock lock(mutex_);
+        if (first_ && first_->index < index)
+            return;
+        first_ = {index, std::move(failure)};
+        end_ = index;
+    }
+
+    std::atomic<std::size_t> next_ = 0;
+    std::atomic<std::size_t> end_;
+    const std::function<void(std::size_t)>& work_;
+    std::mutex mutex_;
+    std::optional<FirstFailure> first_;
+};
+
+} // namespace
+
+ParallelWork::~ParallelWork() {
+    if (threads_)
+        threads_->join();
+}
+
+std::optional<FirstFailure> ParallelWork::forEach(std::size_t count,
+                                                  const std::function<void(std::size_t)>& work) {
+    SharedCalls calls(count, work);
+    const std::size_t sharers = std::min(count, threadCount());
+    if (sharers <= 1) {
+        calls.take();
+        return calls.failure();
+    }
+    if (!threads_)
+        threads_ = std::make_unique<boost::asio::thread_pool>(threadCount());
+    std::latch done(static_cast<std::ptrdiff_t>(sharers));
+    for (std::size_t sharer = 0; sharer < sharers; ++sharer)
+        boost::asio::post(*threads_, [&] {
+            calls.take();
+            done.count_down();
+        });
+    done.wait();
+    return calls.failure();
+}
+
+} // namespace marrowbox

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <boost/asio/thread_pool.hpp>
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace marrowbox {
+
+/// The failure with the lowest index among those of many calls.
+struct FirstFailure {
+    std::size_t index = 0;
+    std::exception_ptr failure;
+};
+
+/// Threads for work on many files, which alternates between the processor and waiting for storage. They begin
+/// with the first work and end with the object.
+class ParallelWork {
+  public:
+    ~ParallelWork();
+
+    /// Calls work(0) to work(count - 1), in about this order, on several threads, and returns when all calls
+    /// have returned. Every index below that of a failure was called; those behind it may be left out. One
+    /// caller at a time.
+    [[nodiscard]] std::optional<FirstFailure> forEach(std::size_t count,
+                                                      const std::function<void(std::size_t)>& work);
+
+  private:
+    std::unique_ptr<boost::asio::thread_pool> threads_;
+};
+
+} // namespace marrowbox

@@ -1,0 +1,53 @@
+#include "Repository/ParallelWork.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <latch>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace marrowbox {
+
+TEST(ParallelWork, makesEveryCallOnce) {
+    ParallelWork workers;
+    for (const std::size_t count : {0u, 1u, 2u, 1000u}) {
+        std::vector<std::atomic<int>> calls(count);
+        EXPECT_FALSE(workers.forEach(count, [&](std::size_t index) { ++calls[index]; }));
+        for (const auto& made : calls)
+            EXPECT_EQ(made, 1);
+    }
+}
+
+TEST(ParallelWork, worksSideBySide) {
+    ParallelWork workers;
+    // Each call waits for the other, so it ends only when both are under way at the same time.
+    std::latch both(2);
+    EXPECT_FALSE(workers.forEach(2, [&](std::size_t) { both.arrive_and_wait(); }));
+}
+
+TEST(ParallelWork, makesASingleCallOnTheCallersThread) {
+    ParallelWork workers;
+    std::thread::id made;
+    EXPECT_FALSE(workers.forEach(1, [&](std::size_t) { made = std::this_thread::get_id(); }));
+    EXPECT_EQ(made, std::this_thread::get_id());
+}
+
+TEST(ParallelWork, reportsTheFirstFailureInOrderAndMakesAllCallsBeforeIt) {
+    ParallelWork workers;
+    for (int round = 0; round < 50; ++round) {
+        std::vector<std::atomic<int>> calls(100);
+        const auto failed = workers.forEach(calls.size(), [&](std::size_t index) {
+            ++calls[index];
+            if (index % 10 == 7)
+                throw std::runtime_error(std::to_string(index));
+        });
+        ASSERT_TRUE(failed);
+        EXPECT_EQ(failed->index, 7u);
+        EXPECT_THROW(std::rethrow_exception(failed->failure), std::runtime_error);
+        for (std::size_t index = 0; index <= 7; ++index)
+            EXPECT_EQ(calls[index], 1) << index;
+    }
+}
+
+} // namespace marrowbox
