@@ -98,6 +98,25 @@ Answer googleError(unsigned status, std::string_view reason, std::string_view me
     return Answer::json(std::move(text), status);
 }
 
+std::string_view usualReason(unsigned status) {
+    switch (status) {
+    case 400:
+        return "badRequest";
+    case 401:
+        return "authError";
+    case 403:
+        return "forbidden";
+    case 404:
+        return "notFound";
+    case 429:
+        return "rateLimitExceeded";
+    case 500:
+        return "internalError";
+    default:
+        return "backendError";
+    }
+}
+
 Answer oauthError(unsigned status, std::string_view error, std::string_view description) {
     std::string text = R"({"error":)";
     appendJSONText(text, error);

@@ -38,6 +38,9 @@ struct Answer {
 /// An error in the form that the Google services share: a code, a message, and one reason.
 Answer googleError(unsigned status, std::string_view reason, std::string_view message);
 
+/// The reason that Google gives with a status when it gives no closer one.
+std::string_view usualReason(unsigned status);
+
 /// The form of the OAuth endpoints.
 Answer oauthError(unsigned status, std::string_view error, std::string_view description);
 

@@ -41,14 +41,17 @@ void Content::read(std::int64_t offset, std::span<char> into) const {
         given_->copy(into.data(), into.size(), start);
         return;
     }
-    std::size_t done = 0;
-    while (done < into.size()) {
-        const std::size_t place = start + done;
-        const std::uint64_t word = patternWord(seed_, place / wordSize);
-        const std::size_t skipped = place % wordSize;
+    std::uint64_t index = start / wordSize;
+    std::size_t skipped = start % wordSize;
+    for (std::size_t done = 0; done < into.size(); ++index) {
+        const std::uint64_t word = patternWord(seed_, index);
         const std::size_t count = std::min(wordSize - skipped, into.size() - done);
-        std::memcpy(into.data() + done, reinterpret_cast<const char*>(&word) + skipped, count);
+        if (count == wordSize)
+            std::memcpy(into.data() + done, &word, wordSize); // a fixed size is one store
+        else
+            std::memcpy(into.data() + done, reinterpret_cast<const char*>(&word) + skipped, count);
         done += count;
+        skipped = 0;
     }
 }
 

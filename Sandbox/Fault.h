@@ -48,7 +48,7 @@ class Fault {
 
     /// Answers this status in place of the ordinary answer, with a body as Google writes it.
     Fault& answer(unsigned status);
-    /// The reason in that body, such as "rateLimitExceeded".
+    /// The reason in that body, such as "userRateLimitExceeded"; without it, the one usual for the status.
     Fault& reason(std::string reason);
     Fault& retryAfter(std::string value);
     Fault& header(std::string name, std::string value);

@@ -41,6 +41,11 @@ RecordedRequest recorded(const Parser::value_type& request, const std::string& h
     return record;
 }
 
+Answer scriptedError(const FaultEffects& effects) {
+    const std::string_view reason = effects.reason.empty() ? usualReason(*effects.status) : effects.reason;
+    return googleError(*effects.status, reason, "Scripted by the test.");
+}
+
 /// One client's connection: a tunnel to one host, and the requests in it, one after another.
 class ProxyConnection {
   public:
@@ -108,9 +113,7 @@ class ProxyConnection {
         try {
             for (const auto& hook : effects.hooks)
                 hook();
-            Answer answer = effects.status
-                                ? googleError(*effects.status, effects.reason, "Scripted by the test.")
-                                : shared_.services.answer(request);
+            Answer answer = effects.status ? scriptedError(effects) : shared_.services.answer(request);
             applyEffects(effects, answer);
             return answer;
         } catch (const std::exception& failure) {

@@ -13,8 +13,11 @@ std::size_t append(char* data, std::size_t size, std::size_t count, void* to) {
 
 } // namespace
 
-Client::Client(sandbox::SandboxServer& sandbox)
-    : proxy_(sandbox.proxyURL()), authority_(sandbox.authorityPEM()),
+Client::Client(sandbox::SandboxServer& sandbox) : Client(sandbox, sandbox) {
+}
+
+Client::Client(sandbox::SandboxServer& reached, sandbox::SandboxServer& trusted)
+    : proxy_(reached.proxyURL()), authority_(trusted.authorityPEM()),
       handle_(curl_easy_init(), curl_easy_cleanup) {
 }
 

@@ -20,6 +20,8 @@ struct Reply {
 class Client {
   public:
     explicit Client(sandbox::SandboxServer& sandbox);
+    /// Reaches one sandbox and trusts another.
+    Client(sandbox::SandboxServer& reached, sandbox::SandboxServer& trusted);
 
     /// Sent with every request from now on; empty for none.
     void setToken(std::string accessToken) { token_ = std::move(accessToken); }

@@ -20,11 +20,11 @@ struct DriveFile {
     std::string name; ///< Any Unicode.
     SharedText mimeType;
     std::optional<SharedText> version;
-    std::optional<std::string> modifiedTime; ///< As delivered; stands in for a missing version.
-    std::optional<std::string> size;         ///< Decimal text; absent for native documents and folders.
-    std::optional<SharedText> md5Checksum;   ///< Absent for native documents.
+    std::optional<SharedText> modifiedTime; ///< As delivered; stands in for a missing version.
+    std::optional<SharedText> size;         ///< Decimal text; absent for native documents and folders.
+    std::optional<SharedText> md5Checksum;  ///< Absent for native documents.
     std::optional<bool> trashed;
-    std::optional<std::string> driveId;
+    std::optional<SharedText> driveId;
     std::optional<Capabilities> capabilities;
 
     bool isFolder() const;
