@@ -167,7 +167,7 @@ TEST_F(LinuxVolume, keepsItsWorkWhileAFileInItIsOpen) {
 }
 
 TEST_F(LinuxVolume, keepsItsWorkWhileItsServerDoesNotEnd) {
-    mounts = world->start(world->pool.get_executor(), world->machine, std::chrono::milliseconds(1));
+    mounts = world->start(world->executor(), world->machine, std::chrono::milliseconds(1));
     const auto mounted = world->mount(*mounts);
     auto servers = world->machine->processesWithArguments({mounted.volume});
     ASSERT_EQ(servers.size(), 1u);
@@ -199,7 +199,7 @@ TEST_F(LinuxVolume, isGivenUpWithoutATraceWhereNothingCanServeIt) {
       private:
         std::shared_ptr<SnapshotMountSystem> machine_;
     };
-    mounts = world->start(world->pool.get_executor(), std::make_shared<NoService>(world->machine));
+    mounts = world->start(world->executor(), std::make_shared<NoService>(world->machine));
     EXPECT_EQ(test::thrown<BackupError>([&] { world->mount(*mounts); }),
               "The system could not mount the snapshot. You can still restore it to a folder.");
     EXPECT_TRUE(world->hasNoWork());

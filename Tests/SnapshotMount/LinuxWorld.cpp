@@ -3,7 +3,9 @@
 #include "Platform/Files.h"
 #include "SnapshotMount/ProcessEnd.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 namespace marrowbox::test {
 
@@ -23,7 +25,8 @@ LinuxWorld::LinuxWorld() : machine(std::make_shared<LiveMountSystem>(ProcessSurr
 }
 
 LinuxWorld::~LinuxWorld() {
-    pool.join();
+    if (pool_)
+        pool_->join();
     for (const Attachment& mount : SquashfsTool::inventory(
              runTool("/usr/bin/findmnt", {"--json", "--list", "--output", "SOURCE,TARGET,FSTYPE"}).output))
         if (mount.image.native().starts_with(fs::canonical(scratch.path()).native()))
@@ -39,6 +42,12 @@ std::unique_ptr<SnapshotMount> LinuxWorld::start(const asio::any_io_executor& ex
                        .images = std::make_shared<SquashfsTool>(system, points, serverEndLimit),
                        .localTime = systemLocalTime()};
     return std::make_unique<SnapshotMount>(executor, directory, std::move(parts));
+}
+
+asio::any_io_executor LinuxWorld::executor() {
+    if (!pool_)
+        pool_.emplace(2);
+    return pool_->get_executor();
 }
 
 bool LinuxWorld::hasNoWork() const {
@@ -58,6 +67,19 @@ void LinuxWorld::unmountBehindTheBack(const SnapshotMount::Mounted& mounted) {
 
 void LinuxWorld::awaitEndOfProcesses(const std::string& argument) {
     ASSERT_TRUE(await(processesEnded(machine->processesWithArguments({argument}), std::chrono::seconds(60))));
+}
+
+void LinuxWorld::awaitMount(const fs::path& image) {
+    const Descriptor list = openFile("/proc/self/mountinfo", O_RDONLY);
+    while (true) {
+        const std::string mounts = readFile("/proc/self/mountinfo");
+        if (mounts.find(image.filename().native()) != std::string::npos &&
+            mounts.find(image.parent_path().filename().native()) != std::string::npos)
+            return;
+        pollfd change{.fd = list.number(), .events = POLLPRI, .revents = 0};
+        ASSERT_EQ(::poll(&change, 1, 60'000), 1) << "nothing was mounted";
+        ::lseek(list.number(), 0, SEEK_SET);
+    }
 }
 
 } // namespace marrowbox::test

@@ -30,11 +30,10 @@ class LinuxWorld {
     const fs::path directory = fs::canonical(scratch.path()) / "Data, größer" / "MountedSnapshots";
     const fs::path runtime = fs::canonical(scratch.path()) / "runtime";
     std::shared_ptr<SnapshotMountSystem> machine;
-    asio::thread_pool pool{2};
     BackedUpUnit backup{fs::canonical(scratch.path()) / "Backup disk"};
 
-    /// The mounts of a program that was just started.
-    std::unique_ptr<SnapshotMount> start() { return start(pool.get_executor(), machine); }
+    /// The mounts of a program that was just started. There are no threads before the first one.
+    std::unique_ptr<SnapshotMount> start() { return start(executor(), machine); }
     std::unique_ptr<SnapshotMount> start(const asio::any_io_executor& executor,
                                          std::shared_ptr<SnapshotMountSystem> system,
                                          std::chrono::milliseconds serverEndLimit = std::chrono::seconds(10));
@@ -49,7 +48,13 @@ class LinuxWorld {
     void unmountBehindTheBack(const SnapshotMount::Mounted& mounted);
     /// Waits until no process has such an argument any more.
     void awaitEndOfProcesses(const std::string& argument);
+    /// Waits until the image is mounted.
+    void awaitMount(const fs::path& image);
+    asio::any_io_executor executor();
     ProcessRunner::Result runTool(fs::path executable, std::vector<std::string> arguments);
+
+  private:
+    std::optional<asio::thread_pool> pool_;
 };
 
 } // namespace marrowbox::test
