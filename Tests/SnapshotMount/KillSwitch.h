@@ -12,10 +12,7 @@ using KillRule = std::function<bool(std::string_view call, const std::string& pa
 
 /// From now on the process ends, as by a power cut, before the first call for which the rule says yes. The
 /// program's own calls are seen (the test program is linked so), those of the libraries are not. For a child
-/// of a test, which has one thread.
+/// of a test.
 void killBefore(KillRule rule);
-
-/// How often that was asked.
-int callsSoFar();
 
 } // namespace marrowbox::test
