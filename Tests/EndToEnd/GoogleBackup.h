@@ -58,7 +58,7 @@ class GoogleBackup {
 
   private:
     ProcessSurroundings surroundings() const;
-    std::string bytesOf(const SnapshotEntry& entry) const;
+    sandbox::Content contentOf(const SnapshotEntry& entry) const;
 
     ScratchFolder scratch_;
     SyncUnit unit_;
