@@ -7,8 +7,11 @@
 
 namespace marrowbox::test {
 
-ScratchFolder::ScratchFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "marrowbox-test-XXXXXX").string();
+ScratchFolder::ScratchFolder() : ScratchFolder(std::filesystem::temp_directory_path()) {
+}
+
+ScratchFolder::ScratchFolder(const std::filesystem::path& parent) {
+    std::string name = (parent / "marrowbox-test-XXXXXX").string();
     if (::mkdtemp(name.data()) == nullptr)
         throw std::system_error(errno, std::generic_category(), "mkdtemp");
     path_ = name;

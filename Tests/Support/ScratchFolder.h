@@ -8,7 +8,9 @@ namespace marrowbox::test {
 /// A folder of the test's own, mode 0700, removed with the object.
 class ScratchFolder {
   public:
+    /// In the folder for temporary files, or in this one.
     ScratchFolder();
+    explicit ScratchFolder(const std::filesystem::path& parent);
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();

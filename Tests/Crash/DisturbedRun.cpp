@@ -1,0 +1,75 @@
+#include "DisturbedRun.h"
+
+#include <gtest/gtest.h>
+#include <numeric>
+
+namespace marrowbox::test {
+
+namespace {
+
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+
+} // namespace
+
+std::vector<int> Scene::historyBefore() const {
+    std::vector<int> generations(static_cast<std::size_t>(generation - 1));
+    std::iota(generations.begin(), generations.end(), 1);
+    return generations;
+}
+
+std::vector<Scene> scenes() {
+    return {{"firstRun", 1}, {"incrementalRun", 2}};
+}
+
+std::string DisturbedEnd::text() const {
+    return std::string(disturbed.name) + " " + disturbed.path.string() +
+           (disturbed.target.empty() ? "" : " to " + disturbed.target.string()) + ", status " +
+           std::to_string(status) + ", " + words;
+}
+
+DisturbedEnd runDisturbed(const Destination& destination, int generation, int number, Answer answer,
+                          const Condition& counts) {
+    DisturbedEnd end;
+    WatchedProgram program({MARROWBOX_CRASH_RUN, destination.path(), std::to_string(generation)});
+    end.status = program.run([&](const FileCall& call) {
+        if (!call.isWithin(destination.path()) || !counts(call) || ++end.calls != number)
+            return Answer::proceed();
+        end.disturbed = call;
+        return answer;
+    });
+    end.words = program.words();
+    return end;
+}
+
+int countCalls(const Destination& destination, int generation, const Condition& counts) {
+    const Destination copy(destination);
+    const DisturbedEnd end = runDisturbed(copy, generation, 0, Answer::proceed(), counts);
+    EXPECT_EQ(end.status, 0) << "an undisturbed run";
+    return end.calls;
+}
+
+std::vector<int> spread(int last, int atMost) {
+    const int count = std::min(last, isSanitized ? atMost / 4 : atMost);
+    std::vector<int> numbers;
+    for (int index = 0; index < count; ++index)
+        numbers.push_back(1 + static_cast<int>(std::int64_t{index} * last / count));
+    return numbers;
+}
+
+void expectUnharmed(const Destination& destination, const Scene& scene) {
+    std::vector<int> history = scene.historyBefore();
+    if (destination.repository().snapshots().size() > history.size())
+        history.push_back(scene.generation);
+    destination.expectHistory(history);
+    destination.expectForeignFilesUntouched();
+    destination.backUp(scene.generation);
+    history.push_back(scene.generation);
+    destination.expectHistory(history);
+    destination.expectForeignFilesUntouched();
+}
+
+} // namespace marrowbox::test
