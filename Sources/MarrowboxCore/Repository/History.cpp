@@ -42,6 +42,7 @@ class HistoryReader {
         BackupPaths::validateEntries(snapshot.entries);
         for (const auto& entry : snapshot.entries)
             verifyReference(*entry);
+        snapshot.entries.shrink_to_fit(); // many lists of shared entries are held at the same time
         return snapshot;
     }
 

@@ -10,8 +10,12 @@ const ObjectLinks::FanOut& ObjectLinks::fanOut(const ObjectHash& valid) {
     if (known.isKnown)
         return known;
     const fs::path path = paths_.fanOut(valid);
-    rejectSymlink(path);
+    const auto status = linkStatus(path);
+    if (status && S_ISLNK(status->st_mode))
+        refuseSymlink();
     known.isKnown = true;
+    if (!status) // nothing in it can be examined either
+        return known;
     const auto folder = FolderHandle::open(path);
     known.isUnlistable = !folder;
     try {

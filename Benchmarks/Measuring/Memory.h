@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace marrowbox::bench {
+
+/// The most memory that this process has held since it began, in bytes. What its parent held does not count.
+double ownPeakMemory();
+
+/// Runs this program again with the given arguments, and gives the peak memory that it prints. A fresh
+/// process has no memory left over from making the data that it measures on.
+double peakMemoryOfRunning(const std::vector<std::string>& arguments);
+
+/// Prints this process's peak for the one that runs it.
+void printPeakMemory();
+
+} // namespace marrowbox::bench
