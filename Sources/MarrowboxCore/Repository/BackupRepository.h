@@ -61,6 +61,11 @@ class BackupRepository {
     /// Publishes a snapshot: its manifest appears whole or not at all, after every object was seen in place.
     void commit(const Snapshot& snapshot) const;
 
+    /// Writes a snapshot out as plain files and folders into a new folder. Each file is bit for bit what was
+    /// backed up, or the restore stops at it and leaves the folder as far as it got. The caller holds the
+    /// lock. CancellationError between files, and between the chunks of a large one.
+    void restore(const Snapshot& snapshot, const fs::path& target, std::stop_token stop) const;
+
     static void rejectSymlink(const fs::path& path) { marrowbox::rejectSymlink(path); }
     /// Both digests of a file in one pass. CancellationError between chunks.
     static FileDigest digest(const fs::path& path, std::stop_token stop);
