@@ -29,6 +29,10 @@ if(MARROWBOX_SANITIZE)
     -O1 -fsanitize=${MARROWBOX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(marrowboxBuildSettings INTERFACE -fsanitize=${MARROWBOX_SANITIZE})
 endif()
+if(MARROWBOX_SANITIZE MATCHES thread)
+  # Asio's own counters end with a fence, which the thread sanitizer does not see; the others it may use do not.
+  target_compile_definitions(marrowboxBuildSettings INTERFACE BOOST_ASIO_DISABLE_STD_ATOMIC)
+endif()
 
 # Gives a target an include path on which only its own folder stands, under its own name. A target sees the
 # folders that it links and no others, so an include against the arrows does not compile.
@@ -37,6 +41,26 @@ function(marrowbox_folder_on_include_path target folder)
   file(MAKE_DIRECTORY ${view})
   file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR}/${folder} ${view}/${folder} SYMBOLIC)
   target_include_directories(${target} PUBLIC ${view})
+endfunction()
+
+# Proves in the ordinary debug build that each header of a library compiles by itself: one generated source a
+# header, which includes nothing else. The precompiled library headers keep that to some tenths of a second each.
+function(marrowbox_headers_compile_alone library prefix folder)
+  if(MARROWBOX_SANITIZE OR NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    return()
+  endif()
+  file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${folder} ${folder}/*.h)
+  set(sources)
+  foreach(header IN LISTS headers)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/alone/${prefix}/${header}.cpp)
+    file(CONFIGURE OUTPUT ${source} CONTENT "#include \"${prefix}/${header}\"\n")
+    list(APPEND sources ${source})
+  endforeach()
+  if(sources)
+    add_library(${library}Headers OBJECT ${sources})
+    target_link_libraries(${library}Headers PRIVATE ${library} marrowboxBuildSettings)
+    target_precompile_headers(${library}Headers REUSE_FROM marrowboxPlatform)
+  endif()
 endfunction()
 
 # marrowbox_library(FOLDER [LINKS target...]): the static library marrowbox<FOLDER> of all sources in FOLDER.
@@ -57,6 +81,7 @@ function(marrowbox_library folder)
   else()
     target_precompile_headers(${target} REUSE_FROM marrowboxPlatform)
   endif()
+  marrowbox_headers_compile_alone(${target} ${folder} ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
 endfunction()
 
 # marrowbox_program(NAME SOURCES... LINKS target...): an executable of ours, with the house's warnings.

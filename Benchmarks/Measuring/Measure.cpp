@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <sys/resource.h>
 
 namespace marrowbox::bench {
 
@@ -58,12 +57,6 @@ std::string describe(const Ratio& ratio) {
     char text[80];
     std::snprintf(text, sizeof text, "%.1f ms against %.1f ms", ratio.ours * 1000, ratio.theirs * 1000);
     return text;
-}
-
-double peakMemory() {
-    struct rusage usage {};
-    ::getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) * 1024;
 }
 
 } // namespace marrowbox::bench

@@ -28,7 +28,4 @@ int reportAtLeast(const std::string& name, double measured, double bar, const st
 /// "56 ms against 30 ms"
 std::string describe(const Ratio& ratio);
 
-/// The most memory that this process has held so far, in bytes.
-double peakMemory();
-
 } // namespace marrowbox::bench

@@ -42,8 +42,11 @@ Snapshot publishManyFiles(const ScratchRepository& scratch, std::size_t fileCoun
 asio::awaitable<std::vector<SourceEntry>> ManyFilesSource::inventory(std::stop_token) {
     std::vector<SourceEntry> listing;
     ownSeconds_ += seconds([&] {
-        for (std::size_t number = 0; number < fileCount_; ++number)
+        TextPool types; // as the listing of a drive holds its few media types once
+        for (std::size_t number = 0; number < fileCount_; ++number) {
             listing.push_back(runFile(number).source);
+            listing.back().mimeType = types.shared(listing.back().mimeType);
+        }
     });
     co_return listing;
 }

@@ -10,7 +10,9 @@
 #include <algorithm>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/use_future.hpp>
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <span>
 
 namespace marrowbox::test {
 
@@ -40,6 +42,26 @@ HTTPSettings throughSandbox(const sandbox::SandboxServer& sandbox, const fs::pat
 asio::awaitable<void> note(std::shared_ptr<std::vector<std::string>> texts, std::string text) {
     texts->push_back(std::move(text));
     co_return;
+}
+
+/// Whether a file holds exactly these bytes, without keeping a large one in memory.
+bool holds(const fs::path& path, const sandbox::Content& content) {
+    constexpr std::int64_t piece = 1 << 20;
+    if (regularFileSize(path) != content.size())
+        return false;
+    const auto file = openFile(path, O_RDONLY);
+    std::string expected(piece, 0);
+    std::string found(piece, 0);
+    for (std::int64_t offset = 0; offset < content.size();) {
+        const auto wanted = std::min(piece, content.size() - offset);
+        const auto count = readSome(file, std::span(found).first(static_cast<std::size_t>(wanted)));
+        const auto part = std::span(expected).first(count);
+        content.read(offset, part);
+        if (count == 0 || !std::ranges::equal(part, std::span(found).first(count)))
+            return false;
+        offset += static_cast<std::int64_t>(count);
+    }
+    return true;
 }
 
 } // namespace
@@ -104,18 +126,18 @@ void GoogleBackup::expectHolds(const Snapshot& snapshot, std::vector<std::string
     for (const auto& entry : snapshot.entries) {
         found.push_back(entry->source.path.string());
         if (!entry->source.isDirectory)
-            EXPECT_TRUE(readFile(repository_.objectURL(entry->objectHash.value())) == bytesOf(*entry))
+            EXPECT_TRUE(holds(repository_.objectURL(entry->objectHash.value()), contentOf(*entry)))
                 << found.back();
     }
     EXPECT_THAT(found, testing::UnorderedElementsAreArray(paths));
 }
 
-std::string GoogleBackup::bytesOf(const SnapshotEntry& entry) const {
+sandbox::Content GoogleBackup::contentOf(const SnapshotEntry& entry) const {
     const auto item = drive.item(entry.source.id).value();
     if (!item.isNative())
-        return item.content.bytes();
+        return item.content;
     const auto extension = fs::path(entry.source.path.view()).extension().string().substr(1);
-    return sandbox::exported(item, *sandbox::exportFormat(item, extension)).bytes();
+    return sandbox::exported(item, *sandbox::exportFormat(item, extension));
 }
 
 void GoogleBackup::expectSettled(std::size_t snapshots) const {

@@ -58,7 +58,7 @@ class GoogleBackup {
 
   private:
     ProcessSurroundings surroundings() const;
-    std::string bytesOf(const SnapshotEntry& entry) const;
+    sandbox::Content contentOf(const SnapshotEntry& entry) const;
 
     ScratchFolder scratch_;
     SyncUnit unit_;
@@ -66,8 +66,8 @@ class GoogleBackup {
     std::shared_ptr<std::vector<std::string>> progress_ = std::make_shared<std::vector<std::string>>();
     std::shared_ptr<double> clockShift_ = std::make_shared<double>(0);
     AppCredentials credentials_;
+    asio::thread_pool pool_{2}; // outlives the session, whose thread posts to it
     HTTPSession session_;
-    asio::thread_pool pool_{2};
     std::shared_ptr<GoogleAuth> auth_;
     BackupEngine engine_;
 };

@@ -128,6 +128,10 @@ TEST(AppConfiguration, needsElevenKeysOfARunRecord) {
     for (const char* key : {"id", "unitID", "unitName", "accountEmail", "destination", "startedAt", "outcome",
                             "emailSent", "emailAttempts", "notify"})
         EXPECT_THROW(decodeJSON<RunRecord>(without(key, whole)), JSONDecodingError) << key;
+    std::string unsummed = whole;
+    unsummed.replace(unsummed.find("\"summary\""), 9, "\"another\"");
+    EXPECT_EQ(test::thrown<JSONDecodingError>([&] { decodeJSON<RunRecord>(unsummed); }),
+              "“summary” is missing.");
 }
 
 TEST(AppConfiguration, readsTheFiveOutcomesByTheirExactNames) {

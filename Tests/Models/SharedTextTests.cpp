@@ -30,6 +30,17 @@ TEST(SharedText, holdsTextsOfEveryLength) {
     }
 }
 
+TEST(SharedText, holdsTextsAroundTheLengthThatNeedsAWiderHeader) {
+    for (const std::size_t length : {65'534U, 65'535U, 65'536U, 200'000U}) {
+        std::string text(length, 'x');
+        text.front() = 'a';
+        text.back() = 'z';
+        const SharedText shared(text);
+        const SharedText copy = shared;
+        EXPECT_EQ(copy.view(), text) << length;
+    }
+}
+
 TEST(SharedText, isOneMachineWord) {
     EXPECT_EQ(sizeof(SharedText), sizeof(void*));
 }

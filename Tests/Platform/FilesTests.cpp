@@ -166,6 +166,14 @@ TEST(Folders, areMadeWithTheirParents) {
     EXPECT_EQ(modeOf(scratch / "a/private/deep"), 0700U);
 }
 
+TEST(Folders, haveExactlyTheirModeWithTheirParentsToo) {
+    const ScratchFolder scratch;
+    const Umask mask(0277);
+    makeDirectories(scratch / "private/deep", 0700);
+    EXPECT_EQ(modeOf(scratch / "private"), 0700U);
+    EXPECT_EQ(modeOf(scratch / "private/deep"), 0700U);
+}
+
 TEST(Folders, areMadeThroughALinkToAFolder) {
     const ScratchFolder scratch;
     makeDirectory(scratch / "real", 0700);

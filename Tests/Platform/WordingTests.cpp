@@ -1,10 +1,29 @@
 #include "Platform/Wording.h"
 
+#include "StringLiterals.h"
+
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <regex>
 #include <set>
 
 namespace marrowbox {
+
+namespace {
+
+std::string contentOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool isInTheTable(const std::string& sentence) {
+    return std::ranges::any_of(wordings(), [&](const Wording& wording) { return wording.macOS == sentence; });
+}
+
+} // namespace
 
 TEST(Wording, givesEachSentenceOfTheTableInTheWordsOfEitherSystem) {
     for (const Wording& wording : wordings()) {
@@ -40,6 +59,24 @@ TEST(Wording, namesNoPartOfAMacToPeopleAtALinuxDesktop) {
 TEST(Wording, leavesEveryOtherSentenceAsItIs) {
     EXPECT_EQ(worded("Choose an existing destination folder.", OperatingSystem::linux),
               "Choose an existing destination folder.");
+}
+
+TEST(Wording, knowsEverySentenceOfTheProgramThatNamesAPartOfAMac) {
+    const std::regex macNouns(R"(\b(Mac|macOS|Finder|[Mm]enu bar|System Settings|Homebrew)\b)");
+    const std::filesystem::path sources(MARROWBOX_SOURCES);
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(sources)) {
+        const auto extension = entry.path().extension();
+        if (extension != ".cpp" && extension != ".h" && extension != ".qml")
+            continue;
+        ++files;
+        if (entry.path().filename() == "Wording.cpp")
+            continue;
+        for (const std::string& literal : test::stringLiterals(contentOf(entry.path())))
+            if (std::regex_search(literal, macNouns))
+                EXPECT_TRUE(isInTheTable(literal)) << entry.path() << " says: " << literal;
+    }
+    EXPECT_GT(files, 50U);
 }
 
 } // namespace marrowbox

@@ -76,6 +76,13 @@ TEST(BackupRepository, refusesToMakeARepositoryBehindALink) {
     EXPECT_TRUE(fs::is_empty(elsewhere.path()));
 }
 
+TEST(BackupRepository, refusesToMakeARepositoryBehindALinkThatLeadsToItself) {
+    const ScratchFolder folder;
+    fs::create_symlink("Marrowbox", folder / "Marrowbox");
+    const BackupRepository repository(folder.path(), unit);
+    EXPECT_EQ(thrown<BackupError>([&] { repository.initialize(); }), linkRefusal);
+}
+
 TEST(BackupRepository, neitherValidatesNorFinishesAnInterruptedInitialisation) {
     const TestRepository repository;
     fs::remove(repository / "Staging");

@@ -9,8 +9,12 @@ namespace marrowbox {
 /// rewords it or adds to it.
 class BackupError : public std::runtime_error {
   public:
-    explicit BackupError(const std::string& message) : std::runtime_error(message) {}
-    std::string message() const { return what(); }
+    explicit BackupError(const std::string& message) : std::runtime_error(message), message_(message) {}
+    /// The whole sentence; what() ends at the first NUL, which a path from outside may hold.
+    const std::string& message() const { return message_; }
+
+  private:
+    std::string message_;
 };
 
 } // namespace marrowbox

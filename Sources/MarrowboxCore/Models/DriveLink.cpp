@@ -1,5 +1,7 @@
 #include "Models/DriveLink.h"
 
+#include "Models/EmailAddress.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -23,22 +25,6 @@ bool consistsOf(std::string_view text, std::string_view alsoAllowed) {
     return !text.empty() && std::ranges::all_of(text, [&](char byte) {
         return isAlphanumeric(byte) || alsoAllowed.find(byte) != std::string_view::npos;
     });
-}
-
-bool isDomain(std::string_view text) {
-    const std::size_t dot = text.rfind('.');
-    if (dot == std::string_view::npos)
-        return false;
-    const std::string_view name = text.substr(0, dot);
-    const std::string_view top = text.substr(dot + 1);
-    return consistsOf(name, ".-") && isAlphanumeric(name.front()) && isAlphanumeric(name.back()) &&
-           top.size() >= 2 && std::ranges::all_of(top, isLetter);
-}
-
-bool isEmailAddress(std::string_view text) {
-    const std::size_t at = text.find('@');
-    return at != std::string_view::npos && consistsOf(text.substr(0, at), ".!#$%&'*+/=?^_`{|}~-") &&
-           isDomain(text.substr(at + 1));
 }
 
 std::string percentEncoded(std::string_view text) {

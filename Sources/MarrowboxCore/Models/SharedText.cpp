@@ -21,11 +21,18 @@ SharedText::SharedText(std::string_view text) {
     }
     if (text.size() > UINT32_MAX)
         throw std::length_error("A text is too long.");
-    void* memory = std::malloc(sizeof(Block) + text.size());
+    const bool isLong = text.size() >= longMark;
+    const auto length = static_cast<std::uint32_t>(text.size());
+    auto* memory = static_cast<char*>(std::malloc(headerSize + (isLong ? sizeof length : 0) + text.size()));
     if (memory == nullptr)
         throw std::bad_alloc();
-    auto* made = new (memory) Block{1, static_cast<std::uint32_t>(text.size())};
-    std::memcpy(made->text(), text.data(), text.size());
+    auto* made = new (memory) Block{1, isLong ? longMark : static_cast<std::uint16_t>(length)};
+    char* to = memory + headerSize;
+    if (isLong) {
+        std::memcpy(to, &length, sizeof length);
+        to += sizeof length;
+    }
+    std::memcpy(to, text.data(), text.size());
     word_ = reinterpret_cast<std::uintptr_t>(made);
 }
 

@@ -5,6 +5,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -37,7 +38,12 @@ class SharedText {
     std::string_view view() const noexcept {
         if (isInline())
             return {reinterpret_cast<const char*>(&word_) + 1, (word_ >> 1) & 7};
-        return {block()->text(), block()->length};
+        const char* bytes = reinterpret_cast<const char*>(block()) + headerSize;
+        if (block()->length != longMark)
+            return {bytes, block()->length};
+        std::uint32_t length = 0;
+        std::memcpy(&length, bytes, sizeof length);
+        return {bytes + sizeof length, length};
     }
     operator std::string_view() const noexcept { return view(); }
     std::string string() const { return std::string(view()); }
@@ -56,11 +62,14 @@ class SharedText {
     }
 
   private:
+    /// What stands before the text's bytes. They begin in its padding: the identifiers of Drive's items have
+    /// 33 characters, and two bytes more would make the next larger piece of memory of each.
     struct Block {
         std::atomic<std::uint32_t> owners;
-        std::uint32_t length;
-        char* text() { return reinterpret_cast<char*>(this + 1); }
+        std::uint16_t length; ///< longMark when the length stands before the bytes.
     };
+    static constexpr std::size_t headerSize = 6;
+    static constexpr std::uint16_t longMark = 0xFFFF;
     // The low bit tells an inline text; its length stands in the three bits above it, its bytes in the rest.
     static constexpr std::uintptr_t emptyWord = 1;
     static_assert(sizeof(std::uintptr_t) == 8);

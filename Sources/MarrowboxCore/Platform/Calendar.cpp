@@ -1,8 +1,10 @@
 #include "Platform/Calendar.h"
 
+#include "Platform/HostTimeZone.h"
+#include "Platform/UserLocale.h"
+
 #include <array>
 #include <cmath>
-#include <mutex>
 #include <stdexcept>
 #include <unicode/basictz.h>
 #include <unicode/dtfmtsym.h>
@@ -32,16 +34,6 @@ Zone adopt(icu::TimeZone* made) {
         throw std::invalid_argument("The time zone is unknown.");
     owned.release();
     return Zone(zone);
-}
-
-/// The zone of the machine as it is now, which changes when a traveller's clock does.
-Zone hostZone() {
-    static std::mutex detecting; // the detection keeps its findings in globals without a lock
-    const std::lock_guard lock(detecting);
-    std::unique_ptr<icu::TimeZone> detected(icu::TimeZone::detectHostTimeZone());
-    if (detected == nullptr || *detected == icu::TimeZone::getUnknown())
-        return adopt(icu::TimeZone::getGMT()->clone());
-    return adopt(detected.release());
 }
 
 std::array<std::string, daysAWeek> weekdayNames(const icu::Locale& locale) {
@@ -111,8 +103,8 @@ Calendar::Calendar(const std::string& timeZone, const std::string& locale)
 }
 
 Calendar Calendar::current() {
-    return Calendar(
-        std::make_shared<const Implementation>(hostZone(), weekdayNames(icu::Locale::getDefault())));
+    return Calendar(std::make_shared<const Implementation>(
+        adopt(hostTimeZone().release()), weekdayNames(icu::Locale::createFromName(userLocale().c_str()))));
 }
 
 Date Calendar::adding(int amount, CalendarUnit unit, Date to) const {

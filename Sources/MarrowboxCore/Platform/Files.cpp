@@ -24,6 +24,15 @@ auto retryInterrupted(Call call) {
     }
 }
 
+/// False with errno set when there is no new folder; a mode that is given holds whatever the umask.
+bool isMade(const fs::path& path, std::optional<mode_t> mode) {
+    if (::mkdir(path.c_str(), mode.value_or(0777)) != 0)
+        return false;
+    if (mode && ::chmod(path.c_str(), *mode) != 0)
+        throwSystemError("chmod", path);
+    return true;
+}
+
 } // namespace
 
 void throwSystemError(std::string_view call, const fs::path& path) {
@@ -125,18 +134,16 @@ void startWriting([[maybe_unused]] const Descriptor& file) noexcept {
 }
 
 void makeDirectory(const fs::path& path, mode_t mode) {
-    if (::mkdir(path.c_str(), mode) != 0)
+    if (!isMade(path, mode))
         throwSystemError("mkdir", path);
-    if (::chmod(path.c_str(), mode) != 0)
-        throwSystemError("chmod", path);
 }
 
-void makeDirectories(const fs::path& path, mode_t mode) {
-    if (::mkdir(path.c_str(), mode) == 0)
+void makeDirectories(const fs::path& path, std::optional<mode_t> mode) {
+    if (isMade(path, mode))
         return;
     if (errno == ENOENT && path.has_relative_path()) {
         makeDirectories(path.parent_path(), mode);
-        if (::mkdir(path.c_str(), mode) == 0)
+        if (isMade(path, mode))
             return;
     }
     const int code = errno;

@@ -53,20 +53,20 @@ void synchronize(const Descriptor& file, const fs::path& path);
 /// Opens a file for writing, synchronises it to stable storage, and closes it.
 void synchronizeFile(const fs::path& path);
 
-/// fsync(2) of a folder, so that the names in it last. A file system that cannot do this for folders keeps its
-/// own promise, and is no failure.
+/// fsync(2) of a folder, so that the names in it last. A file system that cannot do this for folders keeps
+/// its own promise, and is no failure.
 void synchronizeFolder(const fs::path& path);
 
-/// Asks the system to begin writing the file to its storage, without waiting. A hint: nothing is promised, and
-/// nothing fails.
+/// Asks the system to begin writing the file to its storage, without waiting. A hint: nothing is promised,
+/// and nothing fails.
 void startWriting(const Descriptor& file) noexcept;
 
 /// mkdir(2) with exactly this mode, whatever the umask. An existing path is a failure.
 void makeDirectory(const fs::path& path, mode_t mode);
 
-/// Makes a folder and its missing parents, each made with this mode less the umask; an existing folder is
-/// fine.
-void makeDirectories(const fs::path& path, mode_t mode = 0777);
+/// Makes a folder and its missing parents, each made with exactly this mode, and without one as the umask has
+/// it; an existing folder is fine.
+void makeDirectories(const fs::path& path, std::optional<mode_t> mode = std::nullopt);
 
 /// Names in a folder, hidden ones included, "." and ".." not, in the order of the file system.
 std::vector<std::string> directoryNames(const fs::path& path);

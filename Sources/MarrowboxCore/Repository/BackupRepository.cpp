@@ -7,6 +7,7 @@
 #include "Repository/PlainFile.h"
 
 #include <boost/describe/class.hpp>
+#include <system_error>
 
 namespace marrowbox {
 
@@ -46,7 +47,8 @@ BackupRepository::BackupRepository(const fs::path& destination, const Uuid& unit
 }
 
 void BackupRepository::initialize() const {
-    if (fs::exists(root_)) {
+    std::error_code unknown; // what cannot be examined is refused by the steps below, in their own words
+    if (fs::exists(root_, unknown)) {
         validate();
         return;
     }

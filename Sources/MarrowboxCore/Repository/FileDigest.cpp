@@ -73,7 +73,7 @@ FileDigest digestFile(const Descriptor& file, const fs::path& path, DigestChoice
     if (choice == DigestChoice::sha256AndMD5 && size >= sideBySideSize)
         return digestSideBySide(file, stop);
     // One byte more than the file has, so that a small one is read, and its end seen, with two short calls.
-    const auto wanted = static_cast<std::size_t>(std::clamp<std::int64_t>(size + 1, 1, chunkSize));
+    const auto wanted = static_cast<std::size_t>(std::clamp<std::int64_t>(size, 0, chunkSize - 1)) + 1;
     return digestInTurn(file, wanted, choice, stop);
 }
 

@@ -9,8 +9,12 @@ namespace marrowbox {
 /// can tell a job that has to wait from one that failed.
 class LockBusyError : public std::runtime_error {
   public:
-    explicit LockBusyError(const std::string& message) : std::runtime_error(message) {}
-    std::string message() const { return what(); }
+    explicit LockBusyError(const std::string& message) : std::runtime_error(message), message_(message) {}
+    /// The whole sentence.
+    const std::string& message() const { return message_; }
+
+  private:
+    std::string message_;
 };
 
 } // namespace marrowbox

@@ -2,6 +2,8 @@
 
 #include "Repository/IndexTable.h"
 
+#include <algorithm>
+
 namespace marrowbox {
 
 namespace {
@@ -128,19 +130,30 @@ RunPlan planRun(std::vector<SourceEntry> listing, std::span<const Shared<Snapsho
     return planner.finish();
 }
 
-bool holdsSameItems(std::span<const Shared<SnapshotEntry>> entries, std::span<const SourceEntry> listing) {
+namespace {
+
+/// Most sources list twice in one order, which needs no table to see.
+bool holdsSameItemsInOrder(EntryList entries, std::span<const SourceEntry> listing) {
+    return std::ranges::equal(entries, listing, {},
+                              [](const auto& entry) -> const SourceEntry& { return entry->source; });
+}
+
+bool holdsSameItemsInAnyOrder(EntryList entries, std::span<const SourceEntry> listing) {
     const PathIndex byPath(entries);
     std::vector<bool> isListed(entries.size());
-    std::size_t listedCount = 0;
     for (const auto& item : listing) {
         const std::uint32_t position = byPath.find(item.path);
         if (position == IndexTable::none || entries[position]->source != item)
             return false;
-        if (!isListed[position])
-            ++listedCount;
         isListed[position] = true;
     }
-    return listedCount == entries.size();
+    return std::ranges::find(isListed, false) == isListed.end();
+}
+
+} // namespace
+
+bool holdsSameItems(std::span<const Shared<SnapshotEntry>> entries, std::span<const SourceEntry> listing) {
+    return holdsSameItemsInOrder(entries, listing) || holdsSameItemsInAnyOrder(entries, listing);
 }
 
 } // namespace marrowbox

@@ -1,0 +1,137 @@
+#include "Platform/Formats.h"
+
+#include "Platform/HostTimeZone.h"
+#include "Platform/UserLocale.h"
+
+#include <array>
+#include <mutex>
+#include <stdexcept>
+#include <unicode/datefmt.h>
+#include <unicode/measunit.h>
+#include <unicode/numberformatter.h>
+
+namespace marrowbox {
+
+namespace {
+
+void requireSuccess(UErrorCode status) {
+    if (U_FAILURE(status))
+        throw std::runtime_error(std::string("Formatting support failed: ") + u_errorName(status));
+}
+
+std::string utf8(const icu::UnicodeString& text) {
+    std::string bytes;
+    text.toUTF8String(bytes);
+    return bytes;
+}
+
+/// The fields to show as a Unicode skeleton; their order and separators are the locale's.
+std::unique_ptr<icu::DateFormat> dateFormat(const char* skeleton, const icu::Locale& locale,
+                                            const icu::TimeZone& zone) {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::DateFormat> format(
+        icu::DateFormat::createInstanceForSkeleton(icu::UnicodeString(skeleton), locale, status));
+    requireSuccess(status);
+    format->setTimeZone(zone);
+    return format;
+}
+
+std::unique_ptr<icu::TimeZone> namedZone(const std::string& name) {
+    std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name)));
+    if (*zone == icu::TimeZone::getUnknown())
+        throw std::invalid_argument("The time zone is unknown.");
+    return zone;
+}
+
+std::string formatted(const icu::DateFormat& format, Date date) {
+    icu::UnicodeString text;
+    format.format((date.secondsSinceReference + referenceDateSince1970) * 1000, text);
+    // The narrow blank that some locales set before AM and PM is next to nothing in the fonts of most mails.
+    constexpr char16_t narrowNoBreakSpace = 0x202F;
+    constexpr char16_t noBreakSpace = 0x00A0;
+    return utf8(
+        text.findAndReplace(icu::UnicodeString(narrowNoBreakSpace), icu::UnicodeString(noBreakSpace)));
+}
+
+/// A unit of size, and how many digits of its fractions are worth reading.
+struct SizeUnit {
+    icu::MeasureUnit unit;
+    UNumberUnitWidth width; ///< Symbols, except that "byte" has a plural only when written out.
+    int fractionDigits;
+    std::uint64_t tenths; ///< Ten to the power of those digits.
+};
+
+std::array<SizeUnit, 6> sizeUnits() {
+    using icu::MeasureUnit;
+    return {{{MeasureUnit::getByte(), UNUM_UNIT_WIDTH_FULL_NAME, 0, 1},
+             {MeasureUnit::getKilobyte(), UNUM_UNIT_WIDTH_SHORT, 0, 1},
+             {MeasureUnit::getMegabyte(), UNUM_UNIT_WIDTH_SHORT, 1, 10},
+             {MeasureUnit::getGigabyte(), UNUM_UNIT_WIDTH_SHORT, 2, 100},
+             {MeasureUnit::getTerabyte(), UNUM_UNIT_WIDTH_SHORT, 2, 100},
+             {MeasureUnit::getPetabyte(), UNUM_UNIT_WIDTH_SHORT, 2, 100}}};
+}
+
+std::uint64_t magnitude(std::int64_t number) {
+    const auto bits = static_cast<std::uint64_t>(number);
+    return number < 0 ? 0 - bits : bits;
+}
+
+} // namespace
+
+struct Formats::Implementation {
+    /// A date format prepares itself further while it is used.
+    mutable std::mutex mutex;
+    icu::Locale locale;
+    std::unique_ptr<icu::DateFormat> dateAndTime;
+    std::unique_ptr<icu::DateFormat> time;
+
+    Implementation(const icu::TimeZone& zone, const std::string& localeName)
+        : locale(icu::Locale::createFromName(localeName.c_str())),
+          dateAndTime(dateFormat("yMMMdjmm", locale, zone)), time(dateFormat("jmm", locale, zone)) {}
+};
+
+Formats::Formats(std::shared_ptr<const Implementation> implementation)
+    : implementation_(std::move(implementation)) {
+}
+
+Formats::Formats(const std::string& timeZone, const std::string& locale)
+    : implementation_(std::make_shared<const Implementation>(*namedZone(timeZone), locale)) {
+}
+
+Formats Formats::current() {
+    return Formats(std::make_shared<const Implementation>(*hostTimeZone(), userLocale()));
+}
+
+std::string Formats::dateAndTime(Date date) const {
+    const std::lock_guard lock(implementation_->mutex);
+    return formatted(*implementation_->dateAndTime, date);
+}
+
+std::string Formats::time(Date date) const {
+    const std::lock_guard lock(implementation_->mutex);
+    return formatted(*implementation_->time, date);
+}
+
+std::string Formats::byteCount(std::int64_t bytes) const {
+    const auto units = sizeUnits();
+    const std::uint64_t size = magnitude(bytes);
+    std::size_t index = 0;
+    std::uint64_t scale = 1;
+    // The next unit begins where rounding would show a thousand of this one.
+    while (index + 1 < units.size() && size >= 1000 * scale - scale / (2 * units[index].tenths)) {
+        scale *= 1000;
+        ++index;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const auto number = icu::number::NumberFormatter::withLocale(implementation_->locale)
+                            .unit(units[index].unit)
+                            .unitWidth(units[index].width)
+                            .precision(icu::number::Precision::maxFraction(units[index].fractionDigits))
+                            .roundingMode(UNUM_ROUND_HALFUP)
+                            .formatDouble(double(bytes) / double(scale), status);
+    const icu::UnicodeString text = number.toString(status);
+    requireSuccess(status);
+    return utf8(text);
+}
+
+} // namespace marrowbox
