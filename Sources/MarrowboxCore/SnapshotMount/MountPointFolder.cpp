@@ -1,0 +1,66 @@
+#include "SnapshotMount/MountPointFolder.h"
+
+#include "Models/BackupError.h"
+#include "Platform/Files.h"
+#include "SnapshotMount/MountPaths.h"
+
+#include <cerrno>
+
+namespace marrowbox {
+
+namespace {
+
+constexpr mode_t privateMode = 0700;
+
+/// Makes the folder; an existing one is judged afterwards.
+void makeMissing(const fs::path& path) {
+    try {
+        makeDirectory(path, privateMode);
+    } catch (const std::system_error& failure) {
+        if (failure.code() != std::errc::file_exists)
+            throw;
+    }
+}
+
+/// Removes what an earlier volume left, as long as it is an empty folder and nothing is mounted on it.
+bool isFree(const fs::path& path) {
+    return !somethingExists(path) || ::rmdir(path.c_str()) == 0;
+}
+
+} // namespace
+
+fs::path MountPointFolder::place(const std::map<std::string, std::string>& environment, uid_t user) {
+    const auto runtime = environment.find("XDG_RUNTIME_DIR");
+    if (runtime != environment.end()) {
+        const fs::path folder = runtime->second;
+        std::error_code unreadable;
+        if (folder.is_absolute() && fs::is_directory(folder, unreadable))
+            return folder / "marrowbox";
+    }
+    return "/tmp/marrowbox-" + std::to_string(user);
+}
+
+void MountPointFolder::prepare() const {
+    makeMissing(path_);
+    const auto status = linkStatus(path_);
+    const bool isOurs = status && S_ISDIR(status->st_mode) && status->st_uid == user_ &&
+                        (status->st_mode & 07777) == privateMode;
+    if (!isOurs)
+        throw BackupError("Unsafe snapshot mount root was retained.");
+}
+
+fs::path MountPointFolder::makeMountPoint(const std::string& volumeName) const {
+    const fs::path folder = resolved(path_);
+    fs::path candidate = folder / volumeName;
+    for (int number = 1; !isFree(candidate); ++number)
+        candidate = folder / (volumeName + " " + std::to_string(number));
+    makeDirectory(candidate, privateMode);
+    return candidate;
+}
+
+void MountPointFolder::removeMountPoint(const fs::path& mountPoint) const {
+    if (mountPoint.parent_path() == resolved(path_))
+        ::rmdir(mountPoint.c_str());
+}
+
+} // namespace marrowbox

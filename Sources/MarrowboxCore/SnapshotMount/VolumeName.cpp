@@ -1,0 +1,45 @@
+#include "SnapshotMount/VolumeName.h"
+
+#include <array>
+#include <cmath>
+
+namespace marrowbox {
+
+namespace {
+
+constexpr std::size_t longestUnitName = 14;
+
+/// What every file system and file browser shows as it is.
+bool isUsable(char byte) {
+    return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z') || (byte >= '0' && byte <= '9') ||
+           byte == ' ' || byte == '_' || byte == '-';
+}
+
+std::string usablePart(std::string_view unitName) {
+    std::string usable;
+    for (const char byte : unitName)
+        if (isUsable(byte) && usable.size() < longestUnitName)
+            usable += byte;
+    return usable;
+}
+
+} // namespace
+
+LocalTime systemLocalTime() {
+    return [](Date date) {
+        const auto seconds =
+            static_cast<std::time_t>(std::floor(date.secondsSinceReference + referenceDateSince1970));
+        std::tm fields{};
+        ::localtime_r(&seconds, &fields);
+        return fields;
+    };
+}
+
+std::string volumeName(std::string_view unitName, const std::tm& completedAt) {
+    std::array<char, 16> stamp{};
+    // Numbers only, so the locale has no say.
+    const std::size_t length = std::strftime(stamp.data(), stamp.size(), "%m-%d %H%M", &completedAt);
+    return "Marrowbox " + usablePart(unitName) + " " + std::string(stamp.data(), length);
+}
+
+} // namespace marrowbox

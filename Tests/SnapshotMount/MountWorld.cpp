@@ -1,0 +1,81 @@
+#include "MountWorld.h"
+
+#include "Platform/Files.h"
+
+#include <fcntl.h>
+
+namespace marrowbox::test {
+
+namespace {
+
+MountMachine machineOf(const std::shared_ptr<ScriptedMachine>& machine) {
+    return {.system = machine, .images = std::make_shared<HdiutilTool>(machine), .localTime = [](Date) {
+                return std::tm{.tm_min = 4, .tm_hour = 15, .tm_mday = 21, .tm_mon = 10};
+            }};
+}
+
+} // namespace
+
+MountWorld::MountWorld() : mounts(context.get_executor(), directory, machineOf(machine)) {
+    folder.ensureDirectories();
+    const auto lock = folder.lock(); // makes the lock file, so that a refusal has nothing to make
+}
+
+MountEntry MountWorld::newEntry() const {
+    const fs::path workFolder = folder.workRoot() / Uuid::random().text();
+    return {.id = Uuid::random(),
+            .unitID = Uuid::random(),
+            .displayName = "Marrowbox Papers 11-21 1504",
+            .workingDirectory = FileURL::ofFolder(workFolder),
+            .image = FileURL::ofFile(workFolder / "Snapshot.dmg")};
+}
+
+MountEntry MountWorld::prepareWork() {
+    const MountEntry entry = newEntry();
+    const fs::path workFolder = entry.workingDirectory.path();
+    makeDirectory(workFolder, 0700);
+    folder.writeMarker(entry);
+    makeDirectory(workFolder / "Files", 0755);
+    writeAll(openFile(workFolder / "Files" / "paper.txt", O_WRONLY | O_CREAT, 0600), "a paper");
+    writeAll(openFile(workFolder / "Snapshot.dmg", O_WRONLY | O_CREAT, 0644), "an image");
+    return entry;
+}
+
+MountEntry MountWorld::prepare() {
+    const MountEntry entry = prepareWork();
+    MountRegistry registry = folder.load();
+    registry.entries.push_back(entry);
+    folder.save(registry);
+    return entry;
+}
+
+MountEntry MountWorld::prepareMounted(const fs::path& mountPoint) {
+    const MountEntry entry = prepare();
+    machine->attached.push_back({entry.image.path(), mountPoint});
+    return entry;
+}
+
+SnapshotMount::Mounted MountWorld::mountedOf(const MountEntry& entry, const fs::path& mountPoint) const {
+    return mountedFrom(entry, mountPoint);
+}
+
+void MountWorld::finish() {
+    context.restart();
+    context.run();
+}
+
+void MountWorld::runUntilReached(const Gate& gate) {
+    context.restart();
+    while (!gate.isReached && context.run_one() > 0) {
+    }
+    ASSERT_TRUE(gate.isReached);
+}
+
+SnapshotMount::Reconciliation MountWorld::unchangingReconcile() {
+    const std::string before = treeState(scratch.path());
+    auto reconciliation = run(mounts.reconcile({}));
+    EXPECT_EQ(treeState(scratch.path()), before);
+    return reconciliation;
+}
+
+} // namespace marrowbox::test
