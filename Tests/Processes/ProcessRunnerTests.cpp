@@ -73,6 +73,15 @@ TEST(ProcessRunner, givesTheSignalsNumberAsStatus) {
     EXPECT_THAT(surroundings.leftovers(), IsEmpty());
 }
 
+TEST(ProcessRunner, givesTheStatusInAProgramThatWasStartedWithTheEndsOfChildrenIgnored) {
+    const TestSurroundings surroundings;
+    const auto previous = std::signal(SIGCHLD, SIG_IGN);
+    const auto result = runShell(surroundings, "echo said; exit 7");
+    std::signal(SIGCHLD, previous);
+    EXPECT_EQ(result, (ProcessRunner::Result{7, "said\n"}));
+    EXPECT_TRUE(test::hasNoChild());
+}
+
 TEST(ProcessRunner, withholdsInheritedRcloneVariablesAndNoOther) {
     TestSurroundings surroundings;
     surroundings.value.environment["RCLONE_CONFIG"] = "/home/somebody/rclone.conf";

@@ -4,6 +4,7 @@
 #include "Models/JSONFile.h"
 #include "Platform/Cancellation.h"
 #include "Platform/Files.h"
+#include "Processes/RcloneCommand.h"
 #include "RecordingRclone.h"
 #include "Support/Children.h"
 #include "Support/Coroutine.h"
@@ -219,6 +220,20 @@ TEST(RcloneDriveSource, bringsNamesThatRcloneWouldRewriteToTheirPlace) {
     fixture.download({file("a", "␊/‛Twas"), file("b", "plain")});
     EXPECT_EQ(readFile(fixture.folder / "␊/‛Twas"), "bytes of a");
     EXPECT_EQ(directoryNames(fixture.folder).size(), 2U);
+}
+
+TEST(RcloneDriveSource, reachesAFolderThatRcloneWouldRewriteThroughALink) {
+    Fixture fixture;
+    fixture.folder = fixture.surroundings / "‛Backups␊";
+    makeDirectory(fixture.folder, 0700);
+    fixture.download({file("a", "deep/one"), file("b", "␊")});
+    EXPECT_EQ(readFile(fixture.folder / "deep/one"), "bytes of a");
+    EXPECT_EQ(readFile(fixture.folder / "␊"), "bytes of b");
+    EXPECT_EQ(directoryNames(fixture.folder).size(), 2U);
+    const auto calls = fixture.rclone.calls();
+    for (const std::string& argument : calls.at(0).arguments)
+        EXPECT_FALSE(RcloneCommand::isRewritten(argument)) << argument;
+    EXPECT_THAT(fixture.surroundings.leftovers(), IsEmpty());
 }
 
 TEST(RcloneDriveSource, passesAFailureToMakeAFolderThrough) {

@@ -117,7 +117,16 @@ TextList environmentList(const ProgramLaunch& launch) {
     return list;
 }
 
+/// A program may be started with the ends of children ignored, by a launcher that ignores those of its own.
+/// The system would then drop the status of a child as it ends, and give its number away.
+void keepEndedChildren() {
+    struct sigaction current{};
+    if (::sigaction(SIGCHLD, nullptr, &current) == 0 && current.sa_handler == SIG_IGN)
+        std::signal(SIGCHLD, SIG_DFL);
+}
+
 pid_t spawn(const ProgramLaunch& launch, const Descriptor& output) {
+    keepEndedChildren();
     Streams streams;
     streams.set(output);
     Signals signals;

@@ -25,7 +25,8 @@ struct ProgramLaunch {
 /// handler is installed, and a number that the system gave to another process is never signalled.
 ///
 /// The child starts with standard input at the null device, standard output and standard error at one
-/// descriptor, no other descriptor, no signal blocked and none ignored.
+/// descriptor, no other descriptor, no signal blocked and none ignored. A SIGCHLD that this process ignores
+/// is set to its default by a launch, since the system keeps no ended child for a process that ignores it.
 ///
 /// Not synchronised. `ended` may wait while another thread calls `requestTermination`.
 class ChildProcess {

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <memory>
 #include <system_error>
 
 namespace marrowbox {
@@ -13,6 +14,7 @@ namespace marrowbox {
 namespace {
 
 constexpr std::size_t readChunk = 1 << 20;
+constexpr std::size_t copyChunk = 1 << 16;
 
 /// Repeats a call that a signal interrupted.
 template <typename Call>
@@ -107,6 +109,42 @@ void writeAll(const Descriptor& file, std::string_view bytes) {
         if (count < 0)
             throw std::system_error(errno, std::generic_category(), "write");
         bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+namespace {
+
+/// Copies inside the system as far as it will; gives the number of bytes that it did.
+off_t copyInSystem(const Descriptor& from, const Descriptor& to) {
+    off_t copied = 0;
+#ifdef __linux__
+    constexpr std::size_t atATime = 1 << 30;
+    loff_t position = 0;
+    while (true) {
+        const auto count = retryInterrupted(
+            [&] { return ::copy_file_range(from.number(), &position, to.number(), nullptr, atATime, 0); });
+        if (count <= 0)
+            break; // the end, or a pair of files that it cannot do: what is left is read and written
+        copied += count;
+    }
+#endif
+    return copied;
+}
+
+} // namespace
+
+void copyContents(const Descriptor& from, const Descriptor& to) {
+    off_t position = copyInSystem(from, to);
+    const auto buffer = std::make_unique_for_overwrite<char[]>(copyChunk);
+    while (true) {
+        const auto count =
+            retryInterrupted([&] { return ::pread(from.number(), buffer.get(), copyChunk, position); });
+        if (count < 0)
+            throw std::system_error(errno, std::generic_category(), "read");
+        if (count == 0)
+            return;
+        writeAll(to, {buffer.get(), static_cast<std::size_t>(count)});
+        position += count;
     }
 }
 

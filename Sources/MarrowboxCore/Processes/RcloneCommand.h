@@ -29,7 +29,7 @@ struct Item {
     friend bool operator==(const Item&, const Item&) = default;
 };
 
-/// True for a relative path that rclone would write under another name: it takes some characters for its own
+/// True for a path that rclone would write under another name: it takes some characters for its own
 /// stand-ins for control characters.
 bool isRewritten(std::string_view path);
 

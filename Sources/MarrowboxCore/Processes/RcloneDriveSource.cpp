@@ -2,6 +2,7 @@
 
 #include "Models/BackupError.h"
 #include "Models/BackupPaths.h"
+#include "Models/Uuid.h"
 #include "Platform/Files.h"
 #include "Processes/ProcessRunner.h"
 #include "Processes/RcloneCommand.h"
@@ -28,6 +29,32 @@ void makeParentFolders(std::span<const SourceEntry> batch, const fs::path& folde
             makeDirectories((folder / entry.path.view()).parent_path());
     }
 }
+
+/// A folder by a path that rclone takes as it stands: its own or, where rclone would write elsewhere, that of
+/// a link to it, which goes away with the object.
+class ReachableFolder {
+  public:
+    ReachableFolder(const fs::path& folder, const fs::path& temporaryFolder)
+        : isLink_(RcloneCommand::isRewritten(folder.string())), path_(folder) {
+        if (!isLink_)
+            return;
+        path_ = temporaryFolder / ("marrowbox-folder-" + Uuid::random().text());
+        fs::create_directory_symlink(fs::absolute(folder), path_);
+    }
+    ReachableFolder(const ReachableFolder&) = delete;
+    ReachableFolder& operator=(const ReachableFolder&) = delete;
+    ~ReachableFolder() {
+        std::error_code ignored;
+        if (isLink_)
+            fs::remove(path_, ignored);
+    }
+
+    const fs::path& path() const { return path_; }
+
+  private:
+    bool isLink_;
+    fs::path path_;
+};
 
 void moveIntoPlace(std::span<const RcloneCommand::Item> items) {
     for (const auto& item : items)
@@ -83,7 +110,8 @@ asio::awaitable<void> RcloneDriveSource::downloadBatch(std::vector<SourceEntry> 
     const auto token = co_await api_.auth->token(api_.accountID, stop);
     auto environment = RcloneCommand::environment(api_.auth->client(), token, location_);
     makeParentFolders(batch, folder);
-    const auto items = RcloneCommand::items(batch, folder);
+    const ReachableFolder reachable(folder, surroundings_.temporaryFolder);
+    const auto items = RcloneCommand::items(batch, reachable.path());
     auto arguments = RcloneCommand::arguments(items);
     const auto result = co_await ProcessRunner::run(executable_, std::move(arguments), std::move(environment),
                                                     surroundings_, stop);

@@ -32,6 +32,13 @@ class BackupEngine {
     asio::awaitable<Snapshot> run(SyncUnit unit, fs::path destination, std::shared_ptr<BackupSource> source,
                                   Progress progress, std::stop_token stop);
 
+    /// Applies the unit's retention to its repository. Does nothing at all where history is kept for ever.
+    asio::awaitable<void> prune(SyncUnit unit, fs::path destination);
+    /// Writes a snapshot out into a folder that does not exist yet. Cancellation leaves the folder as far as
+    /// it got, like any failure.
+    asio::awaitable<void> restore(Snapshot snapshot, SyncUnit unit, fs::path destination, fs::path target,
+                                  std::stop_token stop);
+
   private:
     asio::strand<asio::any_io_executor> strand_;
     Clock clock_;

@@ -61,9 +61,14 @@ class BackupRepository {
     /// Publishes a snapshot: its manifest appears whole or not at all, after every object was seen in place.
     void commit(const Snapshot& snapshot) const;
 
-    /// Writes a snapshot out as plain files and folders into a new folder. Each file is bit for bit what was
-    /// backed up, or the restore stops at it and leaves the folder as far as it got. The caller holds the
-    /// lock. CancellationError between files, and between the chunks of a large one.
+    /// Removes the manifests of snapshots that completed before the cutoff, the latest excepted, and then
+    /// every object that no remaining one names. Nothing goes before all that stays is proven to be there.
+    /// The caller holds the lock.
+    void prune(Date olderThan) const;
+    /// Writes a snapshot out as files and folders in a new folder. Each object is proven against its hash
+    /// before it is copied; several are under way at a time. Of several failures the first in the snapshot's
+    /// order is thrown; all files before it are restored then, and whatever was restored stays.
+    /// CancellationError inside the digests. The caller holds the lock.
     void restore(const Snapshot& snapshot, const fs::path& target, std::stop_token stop) const;
 
     static void rejectSymlink(const fs::path& path) { marrowbox::rejectSymlink(path); }
