@@ -1,8 +1,8 @@
 // Reading and checking a manifest of 100,000 entries, against Boost.JSON parsing the same bytes.
-#include "Models/BackupPaths.h"
-#include "Models/JSONFile.h"
 #include "Measuring/Manifests.h"
 #include "Measuring/Measure.h"
+#include "Models/BackupPaths.h"
+#include "Models/JSONFile.h"
 
 #include <boost/json/monotonic_resource.hpp>
 #include <boost/json/parse.hpp>

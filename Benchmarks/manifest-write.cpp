@@ -1,7 +1,7 @@
 // Writing a manifest of 100,000 entries, against writing the same bytes.
-#include "Models/JSONFile.h"
 #include "Measuring/Manifests.h"
 #include "Measuring/Measure.h"
+#include "Models/JSONFile.h"
 
 #include <filesystem>
 

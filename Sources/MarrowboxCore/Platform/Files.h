@@ -47,8 +47,8 @@ std::string readFile(const fs::path& path);
 /// Writes all the bytes, going on after short writes.
 void writeAll(const Descriptor& file, std::string_view bytes);
 
-/// Copies a whole file into an empty one, wherever the first one's position is. The system does it by itself, or
-/// lets both share their bytes, where the file systems can.
+/// Copies a whole file into an empty one, wherever the first one's position is. The system does it by itself,
+/// or lets both share their bytes, where the file systems can.
 void copyContents(const Descriptor& from, const Descriptor& to);
 
 /// fsync(2).
