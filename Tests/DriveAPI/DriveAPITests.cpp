@@ -8,6 +8,7 @@
 #include "Support/ScratchFolder.h"
 #include "Support/Thrown.h"
 
+#include <atomic>
 #include <boost/asio/thread_pool.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,6 +24,19 @@ namespace {
 
 const std::string fields =
     "id,name,mimeType,version,modifiedTime,size,md5Checksum,trashed,driveId,capabilities(canDownload)";
+
+struct RequestsUnderWay {
+    std::atomic<int> now = 0;
+    std::atomic<int> most = 0;
+};
+
+asio::awaitable<HTTPResponse> counted(HTTPSession& session, RequestsUnderWay& underWay,
+                                      std::shared_ptr<const HTTPRequest> request, std::stop_token stop) {
+    underWay.most = std::max(underWay.most.load(), ++underWay.now);
+    HTTPResponse response = co_await session.send(std::move(request), std::move(stop));
+    --underWay.now;
+    co_return response;
+}
 
 /// An account at the simulated service, reached through its proxy over TLS.
 class DriveAPITest : public testing::Test {
@@ -40,6 +54,12 @@ class DriveAPITest : public testing::Test {
         settings.certificateFile = folder_ / "authority.pem";
         settings.proxy = sandbox_.proxyURL();
         return settings;
+    }
+    DriveAPI apiOver(HTTP http) {
+        const OAuthClient client{sandbox_.identity().client().id, {}, {}};
+        return {std::make_shared<GoogleAuth>(client, std::move(http), credentials_, systemClock(),
+                                             pool_.get_executor()),
+                "1"};
     }
     DriveLocation location(const std::string& id) { return {id, "Source", std::nullopt}; }
     std::vector<SourceEntry> inventory(DriveLocation of) { return await(api_.inventory(std::move(of), {})); }
@@ -65,10 +85,7 @@ class DriveAPITest : public testing::Test {
     asio::thread_pool pool_{2};
     RecordedWaits waits_;
     HTTPSession session_{settings()};
-    DriveAPI api_{std::make_shared<GoogleAuth>(OAuthClient{sandbox_.identity().client().id, {}, {}},
-                                               HTTP(session_, waits_.wait()), credentials_, systemClock(),
-                                               pool_.get_executor()),
-                  "1"};
+    DriveAPI api_ = apiOver(HTTP(session_, waits_.wait()));
 };
 
 } // namespace
@@ -274,6 +291,27 @@ TEST_F(DriveAPITest, passesOnARefusalInMidTree) {
     sandbox_.inject(Fault::on(listing(sub)).answer(403).always());
     EXPECT_EQ(refusalOf(location(top)),
               "Access was denied. Check account permissions and that the required Google API is enabled.");
+}
+
+TEST_F(DriveAPITest, tellsAFoldersOwnRefusalThoughTheNextAlreadyFailed) {
+    const std::string top = drive_.addFolder("root", "Top");
+    const std::string first = drive_.addFolder(top, "1");
+    const std::string second = drive_.addFolder(top, "2");
+    drive_.addNative(first, "Form", NativeKind::form);
+    sandbox_.inject(Fault::on(listing(second)).answer(404).always());
+    EXPECT_THAT(refusalOf(location(top)), testing::StartsWith("“Form” is a Google type"));
+}
+
+TEST_F(DriveAPITest, asksForOneFolderAtATime) {
+    const std::string top = drive_.addGenerated("root", "Many", {.folders = 30, .filesPerFolder = 40});
+    RequestsUnderWay underWay;
+    const HTTPSend counting = [&](std::shared_ptr<const HTTPRequest> request, std::stop_token stop) {
+        return counted(session_, underWay, std::move(request), std::move(stop));
+    };
+    const DriveAPI api = apiOver(HTTP(counting, waits_.wait()));
+    EXPECT_THAT(await(api.inventory(location(top), {})), SizeIs(30 + 30 * 40));
+    EXPECT_EQ(underWay.most, 1);
+    EXPECT_EQ(underWay.now, 0);
 }
 
 TEST_F(DriveAPITest, endsAtOnceWhenCancelledInMidTree) {

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace marrowbox::test {
 
@@ -25,6 +26,8 @@ SourceEntry entryOf(DriveFile file) {
     DriveTree tree = treeOf();
     tree.nextFolder();
     tree.add({std::move(file)});
+    if (tree.nextFolder())
+        tree.add({});
     return tree.finish().at(0);
 }
 
@@ -159,7 +162,7 @@ TEST(DriveTree, walksLevelByLevelAndSortsByPath) {
         else
             tree.add({});
     }
-    EXPECT_THAT(visited, ElementsAre("top", "b", "a", "bb"));
+    EXPECT_THAT(visited, ElementsAre("top", "a", "b", "bb"));
     EXPECT_THAT(paths(tree.finish()), ElementsAre("a", "b", "b/a", "b/b", "z"));
 }
 
@@ -212,6 +215,82 @@ TEST(DriveTree, namesEveryChildBeforeItLooksAtAnyOther) {
     const std::string words = thrown<BackupError>(
         [&] { tree.add({withoutVersion, driveFile("s", "Link", "application/vnd.google-apps.shortcut")}); });
     EXPECT_TRUE(words.starts_with("“Link” is a Google type")) << words;
+}
+
+TEST(DriveTree, goesOnInTheOrderOfAFileBrowser) {
+    DriveTree tree = treeOf();
+    tree.nextFolder();
+    tree.add({driveFolder("ten", "part 10"), driveFile("x", "x"), driveFolder("nine", "Part 9"),
+              driveFolder("first", "same"), driveFolder("second", "same")});
+    std::vector<std::string> visited;
+    while (const auto folder = tree.nextFolder()) {
+        visited.push_back(folder->id);
+        tree.add({});
+    }
+    EXPECT_THAT(visited, ElementsAre("nine", "ten", "first", "second"));
+}
+
+TEST(DriveTree, tellsTheRefusalThatComesFirstInAFileBrowser) {
+    DriveFile tenth = driveFile("a", "part 10");
+    tenth.version.reset();
+    DriveFile ninth = driveFile("b", "Part 9");
+    ninth.capabilities = DriveFile::Capabilities{false};
+    DriveTree tree = treeOf();
+    tree.nextFolder();
+    EXPECT_EQ(thrown<BackupError>([&] { tree.add({tenth, driveFolder("d", "z"), ninth}); }),
+              "Google does not permit downloading “Part 9”. Ask its owner to allow downloads.");
+}
+
+TEST(DriveTree, knowsTheUpcomingFolderAsSoonAsItCan) {
+    DriveTree tree = treeOf();
+    EXPECT_EQ(tree.nextFolder(), source);
+    EXPECT_EQ(tree.upcomingFolder(), std::nullopt);
+    tree.add({driveFolder("a", "a"), driveFolder("b", "b"), driveFolder("top", "c")});
+    EXPECT_EQ(tree.nextFolder()->id, "a");
+    EXPECT_EQ(tree.upcomingFolder()->id, "b");
+    tree.add({});
+    EXPECT_EQ(tree.nextFolder()->id, "b");
+    EXPECT_EQ(tree.upcomingFolder(), std::nullopt) << "the cycle is for its turn to find";
+}
+
+TEST(DriveTree, sortsByTheBytesOfWholePaths) {
+    // Some characters come before the separator, so that what lies in a folder does not always follow it.
+    DriveTree tree = treeOf();
+    tree.nextFolder();
+    tree.add({driveFolder("1", "a"), driveFile("2", "a b"), driveFolder("3", "a!"), driveFile("4", "a.txt"),
+              driveFile("5", "a0"), driveFolder("6", "ä"), driveFile("7", "B"), driveFolder("8", "empty")});
+    while (const auto folder = tree.nextFolder())
+        tree.add(folder->id == "8"
+                     ? std::vector<DriveFile>()
+                     : std::vector{driveFile("x" + folder->id, "z"), driveFile("y" + folder->id, "Z1")});
+    const std::vector<std::string> found = paths(tree.finish());
+    std::vector<std::string> expected = found;
+    std::ranges::sort(expected);
+    EXPECT_EQ(found, expected);
+    EXPECT_EQ(found.size(), 14U);
+}
+
+TEST(DriveTree, sortsRandomTreesByTheBytesOfWholePaths) {
+    std::mt19937 random(7);
+    const std::string letters = "a !.-0Ab~";
+    for (int round = 0; round < 50; ++round) {
+        DriveTree tree = treeOf();
+        int ids = 0;
+        while (const auto folder = tree.nextFolder()) {
+            std::vector<DriveFile> children;
+            for (unsigned count = random() % 8; count > 0 && ids < 300; --count) {
+                std::string name;
+                for (unsigned length = 1 + random() % 4; length > 0; --length)
+                    name += letters[random() % letters.size()];
+                const std::string id = "i" + std::to_string(++ids);
+                children.push_back(random() % 2 == 0 ? driveFolder(id, name) : driveFile(id, name));
+            }
+            tree.add(std::move(children));
+        }
+        const std::vector<SourceEntry> entries = tree.finish();
+        EXPECT_EQ(entries.size(), static_cast<std::size_t>(ids));
+        EXPECT_TRUE(std::ranges::is_sorted(entries, {}, &SourceEntry::path));
+    }
 }
 
 TEST(DriveTree, checksTheWholeListAtItsEnd) {

@@ -2,9 +2,10 @@
 
 #include "Models/BackupError.h"
 #include "Platform/Digest.h"
-#include "Platform/UnicodeText.h"
 
 #include <boost/unordered/unordered_flat_map.hpp>
+#include <cstdint>
+#include <numeric>
 #include <optional>
 
 namespace marrowbox::DriveNames {
@@ -136,6 +137,25 @@ std::vector<std::string> namesOf(std::span<const DriveFile> children) {
         if (groups.at(keys[index]) > 1)
             names[index] = tagged(names[index], children[index].id.view());
     return names;
+}
+
+void sort(std::span<DriveFile> files, const NameOrder& order) {
+    const auto comesBefore = [&](const DriveFile& left, const DriveFile& right) {
+        return order.compare(left.name, right.name) < 0;
+    };
+    if (std::ranges::is_sorted(files, comesBefore))
+        return;
+    std::vector<std::uint32_t> places(files.size());
+    std::iota(places.begin(), places.end(), 0);
+    std::ranges::sort(places, [&](std::uint32_t left, std::uint32_t right) {
+        const int compared = order.compare(files[left].name, files[right].name);
+        return compared != 0 ? compared < 0 : left < right;
+    });
+    std::vector<DriveFile> sorted;
+    sorted.reserve(files.size());
+    for (const std::uint32_t place : places)
+        sorted.push_back(std::move(files[place]));
+    std::ranges::move(sorted, files.begin());
 }
 
 } // namespace marrowbox::DriveNames

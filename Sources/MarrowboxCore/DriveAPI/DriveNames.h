@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DriveAPI/DriveFile.h"
+#include "Platform/UnicodeText.h"
 
 #include <span>
 #include <string>
@@ -23,5 +24,8 @@ std::string tagged(std::string_view name, std::string_view id);
 /// The names of the children of one folder: the exported ones, and tagged those that a file system without
 /// regard for case and composition would take for one another.
 std::vector<std::string> namesOf(std::span<const DriveFile> children);
+
+/// Puts items into the order of a file browser; equal names stay in theirs.
+void sort(std::span<DriveFile> files, const NameOrder& order);
 
 } // namespace marrowbox::DriveNames
