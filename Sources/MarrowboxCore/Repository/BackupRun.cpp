@@ -72,7 +72,10 @@ void requireUnchanged(const RunPlan& plan, const std::vector<SourceEntry>& listi
 }
 
 Snapshot snapshotOf(RunPlan plan, const Uuid& id, const RunOrder& order, Date startedAt) {
-    std::ranges::sort(plan.entries, {}, [](const auto& entry) { return entry->source.path.view(); });
+    const auto path = [](const auto& entry) { return entry->source.path.view(); };
+    // A listing that is in order already needs one look and no sort.
+    if (!std::ranges::is_sorted(plan.entries, {}, path))
+        std::ranges::sort(plan.entries, {}, path);
     return {.id = id,
             .unitID = order.repository.unitID(),
             .startedAt = startedAt,
