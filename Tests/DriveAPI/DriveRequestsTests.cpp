@@ -13,7 +13,8 @@ TEST(DriveRequests, seesThatAPageIsTheLast) {
 
 TEST(DriveRequests, leavesToDecodingWhatALookCannotTell) {
     for (const char* body :
-         {R"({"nextPageToken": "t", "files": []})", R"({"files": [{"name": "nextPageToken"}]})",
+         {R"({"nextPageToken": "t", "files": []})",
+          R"({"files": [{"name": "nextPageToken"}], "nextPageToken": "t"})",
           R"({"incompleteSearch": true, "files": []})", R"({"incompleteSearch": null, "files": []})",
           R"({"nextPageT\u006fken": "t", "files": []})", R"({"files": [{"name": "a \"quoted\" name"}]})",
           R"({"incompleteSearch": false, "incompleteSearch": true, "files": []})", R"({"incompleteSearch")"})

@@ -5,12 +5,22 @@
 #include "Models/BackupError.h"
 #include "Models/JSONFile.h"
 
+#include <cstring>
+
 namespace marrowbox::DriveRequests {
 
 namespace {
 
 constexpr std::string_view fileFields =
     "id,name,mimeType,version,modifiedTime,size,md5Checksum,trashed,driveId,capabilities(canDownload)";
+
+/// The library's own search stops at every first letter.
+std::size_t find(std::string_view text, std::string_view part) {
+    const void* found = ::memmem(text.data(), text.size(), part.data(), part.size());
+    if (found == nullptr)
+        return std::string_view::npos;
+    return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+}
 
 } // namespace
 
@@ -56,17 +66,17 @@ FilePage filePage(std::string_view body) {
 
 bool isSurelyLast(std::string_view body) {
     constexpr std::string_view verdict = "\"incompleteSearch\"";
-    constexpr std::string_view complete = "false";
     // An escape might hide the name of a member.
-    if (body.find("nextPageToken") != std::string_view::npos || body.find('\\') != std::string_view::npos)
+    if (find(body, "\"nextPageToken\"") != std::string_view::npos ||
+        body.find('\\') != std::string_view::npos)
         return false;
-    const std::size_t found = body.find(verdict);
+    const std::size_t found = find(body, verdict);
     if (found == std::string_view::npos)
         return true;
     const std::string_view rest = body.substr(found + verdict.size());
     const std::size_t value = rest.find_first_not_of(": \t\r\n");
-    return value != std::string_view::npos && rest.substr(value).starts_with(complete) &&
-           rest.find(verdict) == std::string_view::npos;
+    return value != std::string_view::npos && rest.substr(value).starts_with("false") &&
+           find(rest, verdict) == std::string_view::npos;
 }
 
 } // namespace marrowbox::DriveRequests
