@@ -4,6 +4,7 @@
 #include "TreeState.h"
 
 #include "Platform/Files.h"
+#include "SnapshotMount/ProcessEnd.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -153,8 +154,11 @@ TEST_F(KilledMount, whoseImageIsStillMadeIsDeletedWhenTheToolHasEnded) {
     EXPECT_EQ(unchangingReconcile(), (SnapshotMount::Reconciliation{
                                          .issue = "Snapshot preparation is still running and was retained.",
                                          .isAuthoritative = true}));
+    // Found before it goes on: a process that is just starting another program shows no arguments.
+    auto tool = world->machine->processesWithArguments({image});
+    ASSERT_EQ(tool.size(), 1u);
     writeAll(openFile(gate, O_WRONLY), "go\n");
-    world->awaitEndOfProcesses(image);
+    ASSERT_TRUE(test::await(processesEnded(std::move(tool), std::chrono::seconds(60))));
     EXPECT_TRUE(fs::exists(image)) << "the tool outlived the program";
     EXPECT_EQ(reconcile(), nothing);
     EXPECT_TRUE(world->hasNoWork());

@@ -13,8 +13,8 @@ class QQmlEngine;
 namespace marrowbox {
 
 /// What of the look can change while the program runs: light or dark, motion, and the theme of the selected
-/// backup. The desktop's reader and the shell set it; the QML singleton Appearance reads it. One an engine; main
-/// thread.
+/// backup. The desktop's reader and the shell set it; the QML singleton Appearance reads it. One an engine;
+/// main thread.
 class AppearanceState : public QObject {
     Q_OBJECT
     QML_ELEMENT

@@ -13,8 +13,8 @@ double contrast(const QColor& one, const QColor& other);
 /// What the eye sees of a translucent colour on an opaque ground.
 QColor over(const QColor& top, const QColor& ground);
 
-/// The colour in the same hue, lightened just as far as text in it needs to be read on a dark ground. A colour
-/// that is readable already stays as it is.
+/// The colour in the same hue, lightened just as far as text in it needs to be read on a dark ground. A
+/// colour that is readable already stays as it is.
 QColor lightenedOn(const QColor& ground, const QColor& colour, double least = readableContrast);
 
 } // namespace marrowbox

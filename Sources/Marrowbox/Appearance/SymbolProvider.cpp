@@ -11,14 +11,15 @@ namespace {
 const QString folder = QStringLiteral(":/Marrowbox/Appearance/Symbols/");
 constexpr QSize gridSize(24, 24);
 
-// The drawings are black on nothing; what is white in them is cut out, so that a filled shape can carry a mark.
+// The drawings are black on nothing; what is white in them is cut out, so that a filled shape can carry a
+// mark.
 void inkInto(QImage& image, const QColor& colour) {
     for (int y = 0; y < image.height(); ++y) {
         auto* const line = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < image.width(); ++x) {
             const int ink = qAlpha(line[x]) - qRed(line[x]);
-            line[x] = qPremultiply(
-                qRgba(colour.red(), colour.green(), colour.blue(), ink * colour.alpha() / 255));
+            line[x] =
+                qPremultiply(qRgba(colour.red(), colour.green(), colour.blue(), ink * colour.alpha() / 255));
         }
     }
 }
