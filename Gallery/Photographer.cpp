@@ -20,7 +20,7 @@ constexpr int roundsUntilStill = 4;
 QStringList warnings;
 
 void collect(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (type != QtDebugMsg && type != QtInfoMsg)
+    if (type != QtDebugMsg && type != QtInfoMsg && !warnings.contains(message))
         warnings.append(message);
 }
 
@@ -32,30 +32,42 @@ class WarningsHeard {
     WarningsHeard(const WarningsHeard&) = delete;
     WarningsHeard& operator=(const WarningsHeard&) = delete;
 
-    void mustBeNone(const QString& scene) const {
-        if (!warnings.isEmpty())
-            throw std::runtime_error(qPrintable(scene + QStringLiteral(": ") + warnings.join(u'\n')));
-    }
+    QString text() const { return warnings.join(u'\n'); }
 
   private:
     QtMessageHandler previous_;
 };
 
-std::unique_ptr<QQuickWindow> windowFor(std::unique_ptr<QObject> root, const Scene& scene,
-                                        const AppearanceState& look) {
-    if (auto* const window = qobject_cast<QQuickWindow*>(root.get())) {
-        root.release();
-        return std::unique_ptr<QQuickWindow>(window);
-    }
+std::runtime_error refusal(const Scene& scene, const QString& why) {
+    return std::runtime_error(qPrintable(scene.name + QStringLiteral(": ") + why));
+}
+
+/// A root that is a window is the window; an item gets one, before it is complete, so that it may open
+/// popups.
+std::unique_ptr<QQuickWindow> windowFor(QObject* root, const Scene& scene, const AppearanceState& look) {
+    if (auto* const own = qobject_cast<QQuickWindow*>(root))
+        return std::unique_ptr<QQuickWindow>(own);
     auto window = std::make_unique<QQuickWindow>();
     window->setColor(look.colors().window);
-    auto* const item = qobject_cast<QQuickItem*>(root.get());
+    root->setParent(window.get());
+    auto* const item = qobject_cast<QQuickItem*>(root);
     if (!item)
-        throw std::runtime_error(qPrintable(scene.name + QStringLiteral(": neither an item nor a window")));
-    item->setParent(window.get());
-    root.release();
+        throw refusal(scene, QStringLiteral("neither an item nor a window"));
     item->setParentItem(window->contentItem());
     item->setSize(scene.size);
+    return window;
+}
+
+std::unique_ptr<QQuickWindow> build(const Scene& scene, QQmlEngine& engine, QObject& stateOwner) {
+    QQmlComponent component(&engine, QUrl(scene.component));
+    QObject* const root = component.beginCreate(engine.rootContext());
+    if (!root)
+        throw refusal(scene, component.errorString());
+    component.setInitialProperties(root, scene.state(&stateOwner));
+    std::unique_ptr<QQuickWindow> window = windowFor(root, scene, *AppearanceState::of(engine));
+    component.completeCreate();
+    if (component.isError())
+        throw refusal(scene, component.errorString());
     return window;
 }
 
@@ -88,17 +100,14 @@ QImage photograph(const Scene& scene, Light light) {
     look.setReducedMotion(true);
 
     QObject stateOwner;
-    QQmlComponent component(&engine, QUrl(scene.component));
-    std::unique_ptr<QObject> root(component.createWithInitialProperties(scene.state(&stateOwner)));
-    if (!root)
-        throw std::runtime_error(qPrintable(scene.name + QStringLiteral(": ") + component.errorString()));
-    const auto window = windowFor(std::move(root), scene, look);
+    const auto window = build(scene, engine, stateOwner);
     window->resize(scene.size);
     window->show();
     QImage picture = settledPicture(*window);
-    heard.mustBeNone(scene.name);
+    if (!heard.text().isEmpty())
+        throw refusal(scene, heard.text());
     if (isBlank(picture))
-        throw std::runtime_error(qPrintable(scene.name + QStringLiteral(": nothing is drawn")));
+        throw refusal(scene, QStringLiteral("nothing is drawn"));
     return picture;
 }
 

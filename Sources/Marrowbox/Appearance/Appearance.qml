@@ -1,6 +1,7 @@
 pragma Singleton
 
 import QtQuick
+import Marrowbox.Appearance
 
 // Every colour, size, duration and font of the screens, by what it is for. The colours come in a light and a dark set
 // and are computed in C++; all else is written here and nowhere else.
@@ -31,11 +32,11 @@ QtObject {
     readonly property color fieldBorder: AppearanceState.colors.fieldBorder
     readonly property color alert: AppearanceState.colors.alert
     readonly property color alertFill: AppearanceState.colors.alertFill
-    readonly property color onAlertFill: AppearanceState.colors.onAlertFill
+    readonly property color alertLabel: AppearanceState.colors.alertLabel
     readonly property color success: AppearanceState.colors.success
     readonly property color warning: AppearanceState.colors.warning
     readonly property color overlay: AppearanceState.colors.overlay
-    readonly property color onInverse: AppearanceState.colors.onInverse
+    readonly property color inverseLabel: AppearanceState.colors.inverseLabel
 
     // Distances, on a grid of four
     readonly property int hairGap: 2

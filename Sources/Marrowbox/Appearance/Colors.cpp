@@ -20,7 +20,7 @@ Colors withShared(Colors colors) {
     colors.faint = faded(colors.text, 0.38F);
     colors.border = faded(colors.text, 0.07F);
     colors.alertFill = alert;
-    colors.onAlertFill = Qt::white;
+    colors.alertLabel = Qt::white;
     colors.overlay = Qt::black;
     return colors;
 }
@@ -42,7 +42,7 @@ Colors lightColors() {
         .scrim = QColor(0x17, 0x19, 0x1D, 0x3D),
         .shadow = QColor(0x17, 0x19, 0x1D, 0x2E),
         .inverse = QColor(0x2B2D33),
-        .onInverse = QColor(0xF6F6F4),
+        .inverseLabel = QColor(0xF6F6F4),
     });
 }
 
@@ -61,7 +61,7 @@ Colors darkColors() {
         .scrim = QColor(0x00, 0x00, 0x00, 0x8C),
         .shadow = QColor(0x00, 0x00, 0x00, 0x80),
         .inverse = QColor(0x3A3C43),
-        .onInverse = QColor(0xF3F4F6),
+        .inverseLabel = QColor(0xF3F4F6),
     });
     colors.alert = lightenedOn(colors.popup, alert);
     colors.success = lightenedOn(colors.popup, success);

@@ -24,14 +24,14 @@ struct Colors {
     Q_PROPERTY(QColor fieldBorder MEMBER fieldBorder CONSTANT)
     Q_PROPERTY(QColor alert MEMBER alert CONSTANT)
     Q_PROPERTY(QColor alertFill MEMBER alertFill CONSTANT)
-    Q_PROPERTY(QColor onAlertFill MEMBER onAlertFill CONSTANT)
+    Q_PROPERTY(QColor alertLabel MEMBER alertLabel CONSTANT)
     Q_PROPERTY(QColor success MEMBER success CONSTANT)
     Q_PROPERTY(QColor warning MEMBER warning CONSTANT)
     Q_PROPERTY(QColor overlay MEMBER overlay CONSTANT)
     Q_PROPERTY(QColor scrim MEMBER scrim CONSTANT)
     Q_PROPERTY(QColor shadow MEMBER shadow CONSTANT)
     Q_PROPERTY(QColor inverse MEMBER inverse CONSTANT)
-    Q_PROPERTY(QColor onInverse MEMBER onInverse CONSTANT)
+    Q_PROPERTY(QColor inverseLabel MEMBER inverseLabel CONSTANT)
 
   public:
     QColor window;      ///< behind the page of a backup
@@ -48,14 +48,14 @@ struct Colors {
     QColor fieldBorder; ///< the edge of what can be filled in or switched
     QColor alert;       ///< text and icons that tell of a failure
     QColor alertFill;   ///< a surface whose action cannot be undone
-    QColor onAlertFill; ///< text on such a surface
+    QColor alertLabel; ///< text on such a surface
     QColor success;     ///< text and icons that tell of a good end
     QColor warning;     ///< text and icons that ask for attention
     QColor overlay;     ///< laid over a filled surface while it is pointed at or pressed
     QColor scrim;       ///< between a sheet and the window behind it
     QColor shadow;      ///< below what floats
     QColor inverse;     ///< a tool tip
-    QColor onInverse;   ///< text on a tool tip
+    QColor inverseLabel;   ///< text on a tool tip
 };
 
 /// The colours of light or dark screens.

@@ -13,7 +13,7 @@ PressButton {
     property bool symbolAfter: false
     readonly property color labelColor: {
         if (emphasis === ActionButton.Destructive)
-            return Appearance.onAlertFill;
+            return Appearance.alertLabel;
         if (emphasis === ActionButton.Primary)
             return accent.onColor;
         return active ? accent.ink : Appearance.text;

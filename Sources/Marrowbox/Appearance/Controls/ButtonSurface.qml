@@ -35,9 +35,6 @@ Rectangle {
 
     radius: Appearance.buttonRadius
     color: Appearance.faded(base, fillOpacity)
-    border.width: Appearance.hairline
-    border.color: Appearance.faded(base, borderOpacity)
-
     Behavior on color {
         ColorAnimation {
             duration: Appearance.quick
@@ -45,10 +42,13 @@ Rectangle {
         }
     }
 
+    // Drawn on the fill: the border of the rectangle itself would take the fill's place.
     Rectangle {
         anchors.fill: parent
         radius: parent.radius
         color: Appearance.faded(Appearance.overlay, root.overlayOpacity)
+        border.width: Appearance.hairline
+        border.color: Appearance.faded(root.base, root.borderOpacity)
     }
 
     FocusRing {

@@ -32,7 +32,7 @@ Loader {
             text: tip.text
             textFormat: Text.PlainText
             font: Appearance.caption
-            color: Appearance.onInverse
+            color: Appearance.inverseLabel
             wrapMode: Text.Wrap
         }
         background: Rectangle {

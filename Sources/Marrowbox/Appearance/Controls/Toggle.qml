@@ -75,7 +75,7 @@ T.Switch {
                 radius: height / 2
                 y: inset
                 x: root.checked ? parent.width - width - inset : inset
-                color: root.checked ? root.accent.onColor : Appearance.onAlertFill
+                color: root.checked ? root.accent.onColor : Appearance.alertLabel
                 Behavior on x {
                     NumberAnimation {
                         duration: Appearance.quick
