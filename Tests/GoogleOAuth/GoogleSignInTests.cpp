@@ -19,6 +19,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <sys/resource.h>
 
 namespace marrowbox::test {
 
@@ -65,6 +66,27 @@ int inheritedSockets() {
     EXPECT_EQ(std::fscanf(lines.get(), "%d", &count), 1);
     return count;
 }
+
+rlimit descriptorLimit() {
+    rlimit limit{};
+    EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    return limit;
+}
+
+/// Says how many descriptors this process may open, until the object ends.
+class DescriptorLimit {
+  public:
+    explicit DescriptorLimit(rlim_t count) {
+        const rlimit limit{.rlim_cur = count, .rlim_max = before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    }
+    DescriptorLimit(const DescriptorLimit&) = delete;
+    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+    ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+
+  private:
+    const rlimit before_ = descriptorLimit();
+};
 
 std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
@@ -375,6 +397,36 @@ TEST_F(GoogleSignInTest, saysWhenTheBrowserDoesNotOpen) {
     const GoogleSignIn failing = signIn([](const std::string&) { return false; });
     auto result = asio::co_spawn(pool_, failing.authorize(request_, {}), asio::use_future);
     EXPECT_EQ(thrown<BackupError>([&] { result.get(); }), "Could not open your browser.");
+}
+
+TEST_F(GoogleSignInTest, passesOnTheSystemsWordsWhereItGetsNoPort) {
+    begin(); // opens what the threads need for themselves
+    consent();
+    result_.get();
+    const DescriptorLimit none(0);
+    auto result = asio::co_spawn(pool_, signIn_.authorize(request_, {}), asio::use_future);
+    EXPECT_EQ(thrown<std::system_error>([&] { result.get(); }), "Too many open files");
+}
+
+TEST_F(GoogleSignInTest, waitsForADescriptorForTheBrowser) {
+    wait_ = [usual = descriptorLimit()](std::chrono::duration<double> span, std::stop_token stop) {
+        if (span != std::chrono::seconds(1))
+            return timerWait()(span, std::move(stop));
+        ::setrlimit(RLIMIT_NOFILE, &usual);
+        return atOnce();
+    };
+    signIn_ = signIn([this](const std::string& address) {
+        opened_.set_value(address);
+        return true;
+    });
+    begin();
+    get(port(), "/");
+    LoopbackPeer browser;
+    const DescriptorLimit none(0);
+    browser.connect(port());
+    browser.send("GET " + callback("&code=c") + " HTTP/1.1\r\n\r\n");
+    EXPECT_THAT(browser.reply(), StartsWith("HTTP/1.1 200 OK"));
+    result_.get();
 }
 
 TEST_F(GoogleSignInTest, canSignInAgain) {

@@ -14,7 +14,11 @@ namespace marrowbox::test {
 /// A connection to a port of the loopback interface, as a browser or a stranger would open one. Blocking.
 class LoopbackPeer {
   public:
-    explicit LoopbackPeer(std::uint16_t port) {
+    explicit LoopbackPeer(std::uint16_t port) { connect(port); }
+    /// Connects later.
+    LoopbackPeer() { socket_.open(boost::asio::ip::tcp::v4()); }
+
+    void connect(std::uint16_t port) {
         socket_.connect({boost::asio::ip::address_v4::loopback(), port});
         socket_.set_option(boost::asio::ip::tcp::no_delay(true));
     }

@@ -2,6 +2,7 @@
 #include "Models/BackupError.h"
 #include "Platform/Cancellation.h"
 #include "Repository/LockBusyError.h"
+#include "SmallDisk.h"
 #include "Support/Coroutine.h"
 #include "Support/SnapshotBuilder.h"
 #include "Support/Thrown.h"
@@ -61,6 +62,15 @@ TEST(Restore, keepsThePermissionsOfTheObject) {
     EXPECT_EQ(modeOf(target.path / "a"), 0600u);
 }
 
+TEST(Restore, makesNoProgramThatRunsWithItsOwnersRights) {
+    const TestRepository repository;
+    const Target target;
+    const Snapshot snapshot = repository.snapshotOf({stored(repository, "a", "content")});
+    ASSERT_EQ(::chmod(repository.object("content").c_str(), 06755), 0);
+    repository->restore(snapshot, target.path, {});
+    EXPECT_EQ(modeOf(target.path / "a"), 0755u);
+}
+
 TEST(Restore, leavesTheStoreAsItIsWhenARestoredFileIsAltered) {
     const TestRepository repository;
     const Target target;
@@ -104,6 +114,38 @@ TEST(Restore, passesOnTheSystemsWordsForATargetWithoutAParent) {
     EXPECT_THROW(repository->restore(repository.snapshotOf({}), target.path / "inside", {}),
                  std::system_error);
     EXPECT_FALSE(fs::exists(target.path));
+}
+
+TEST(Restore, passesOnTheSystemsWordsForATargetThatCannotBeMade) {
+    const TestRepository repository;
+    const SmallDisk disk(1);
+    if (!disk.isMounted())
+        GTEST_SKIP() << disk.whyNot();
+    disk.makeReadOnly();
+    try {
+        repository->restore(repository.snapshotOf({}), disk.path() / "restored", {});
+        FAIL() << "it was restored";
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code(), std::errc::read_only_file_system);
+    }
+}
+
+TEST(Restore, leavesWholeFilesAloneOnADiskThatIsFull) {
+    const TestRepository repository;
+    const SmallDisk disk(4);
+    if (!disk.isMounted())
+        GTEST_SKIP() << disk.whyNot();
+    std::vector<SnapshotEntry> entries;
+    for (char name = 'a'; name < 'm'; ++name)
+        entries.push_back(stored(repository, std::string(1, name), std::string(1 << 20, name)));
+    try {
+        repository->restore(repository.snapshotOf(entries), disk.path() / "restored", {});
+        FAIL() << "it was restored";
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code(), std::errc::no_space_on_device);
+    }
+    for (const auto& [name, content] : contentsOf(disk.path() / "restored"))
+        EXPECT_TRUE(content == std::string(1 << 20, name[0])) << name << ": " << content.size();
 }
 
 TEST(Restore, refusesASnapshotOfAnotherUnit) {

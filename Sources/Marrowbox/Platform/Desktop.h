@@ -65,7 +65,8 @@ class Desktop {
     /// Shows a folder in the file browser. A failure is ignored, since nothing depends on it.
     virtual void openFolder(const fs::path& folder) = 0;
 
-    /// Bytes that find the folder again, also when its volume is mounted elsewhere.
+    /// Bytes that find the folder again, also when its volume is mounted elsewhere. Both may wait for a disk
+    /// or a network share, and may be called on any thread.
     virtual ByteString makeBookmark(const fs::path& folder) = 0;
     virtual ResolvedBookmark resolveBookmark(const ByteString& bookmark) = 0;
 };

@@ -10,6 +10,7 @@
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
 #include <fcntl.h>
+#include <system_error>
 
 namespace marrowbox {
 
@@ -26,6 +27,13 @@ void closeOnExec(auto& socket) {
     ::fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC);
 }
 
+tcp::acceptor openPort(const asio::any_io_executor& executor) try {
+    return {executor, tcp::endpoint(asio::ip::address_v4::loopback(), 0)};
+} catch (const boost::system::system_error& failure) {
+    // The system's words alone; the network library's tell a place in its sources too.
+    throw std::system_error(failure.code());
+}
+
 // What a peer does wrong ends its own connection and concerns nobody else.
 void connectionEnded(const std::exception_ptr&) {
 }
@@ -38,8 +46,8 @@ std::exception_ptr denial() {
 
 SignInListener::SignInListener(asio::any_io_executor executor, std::string expectedState, Wait wait)
     : executor_(executor), expectedState_(std::move(expectedState)), wait_(std::move(wait)),
-      acceptor_(executor, tcp::endpoint(asio::ip::address_v4::loopback(), 0)),
-      port_(acceptor_.local_endpoint().port()), finished_(executor, asio::steady_timer::time_point::max()) {
+      acceptor_(openPort(executor)), port_(acceptor_.local_endpoint().port()),
+      finished_(executor, asio::steady_timer::time_point::max()) {
     closeOnExec(acceptor_);
     if (port_ == 0)
         throw BackupError("Could not open the Google sign-in callback.");

@@ -89,9 +89,9 @@ void BackupRepository::prune(Date olderThan) const {
     const ObjectSet kept = provenObjects(history.retained, objectPaths());
     for (const auto& snapshot : history.expired)
         removeFile(manifest(snapshot.id));
-    // No object goes before the manifests that name it are gone for good.
-    if (!history.expired.empty())
-        synchronizeFolder(snapshotsFolder());
+    // No object goes before the manifests that name it are gone for good, those as well that a pruning which
+    // did not come so far has removed.
+    synchronizeFolder(snapshotsFolder());
     sweep(objectPaths(), kept);
 }
 

@@ -13,23 +13,34 @@ namespace marrowbox {
 namespace {
 
 void makeTarget(const fs::path& target) {
-    const bool isMade = !fs::exists(fs::symlink_status(target)) && ::mkdir(target.c_str(), 0777) == 0;
-    if (isMade)
+    const bool exists = fs::exists(fs::symlink_status(target));
+    if (!exists && ::mkdir(target.c_str(), 0777) == 0)
         return;
-    if (fs::exists(fs::symlink_status(target)))
+    if (exists || errno == EEXIST)
         throw BackupError("Choose a new folder for this restored snapshot.");
     throwSystemError("mkdir", target);
 }
 
-/// A file that replaces nothing, with the object's permissions.
-void copyToNewFile(const Descriptor& object, const fs::path& target) {
+void copyWithPermissions(const Descriptor& object, const Descriptor& copy, const fs::path& target) {
     struct stat status{};
     if (::fstat(object.number(), &status) != 0)
         throwSystemError("stat", target);
-    const Descriptor copy = openFile(target, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
     copyContents(object, copy);
-    if (::fchmod(copy.number(), status.st_mode & 07777) != 0)
+    // Whoever can reach the store must not make a program of it run with its owner's rights.
+    if (::fchmod(copy.number(), status.st_mode & 0777) != 0)
         throwSystemError("chmod", target);
+}
+
+/// A file that replaces nothing, with the object's permissions; whole, or not there at all.
+void copyToNewFile(const Descriptor& object, const fs::path& target) {
+    const Descriptor copy = openFile(target, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+    try {
+        copyWithPermissions(object, copy, target);
+    } catch (...) {
+        // Several copies are under way at a time, and a full disk ends them all in the middle.
+        ::unlink(target.c_str());
+        throw;
+    }
 }
 
 class Restoring {

@@ -97,6 +97,13 @@ SnapshotMountSystem::processesWithArguments(const std::vector<std::string>& argu
     return found;
 }
 
+LiveMountSystem::LiveMountSystem(ProcessSurroundings surroundings) : surroundings_(std::move(surroundings)) {
+    // A width cuts each command line, and a path behind the cut would look as if nobody used it; a
+    // personality may not know the question.
+    for (const char* setting : {"COLUMNS", "CMD_ENV", "PS_PERSONALITY"})
+        surroundings_.environment.erase(setting);
+}
+
 asio::awaitable<ProcessRunner::Result> LiveMountSystem::run(fs::path executable,
                                                             std::vector<std::string> arguments,
                                                             std::map<std::string, std::string> environment,

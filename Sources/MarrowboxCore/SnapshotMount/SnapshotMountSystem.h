@@ -39,10 +39,11 @@ class SnapshotMountSystem {
     virtual std::vector<Descriptor> processesWithArguments(const std::vector<std::string>& arguments) const;
 };
 
-/// The machine that the program runs on.
+/// The machine that the program runs on. The settings with which a user's shell changes what the list of
+/// processes shows are kept from the tools: whether work is deleted rests on that list.
 class LiveMountSystem final : public SnapshotMountSystem {
   public:
-    explicit LiveMountSystem(ProcessSurroundings surroundings) : surroundings_(std::move(surroundings)) {}
+    explicit LiveMountSystem(ProcessSurroundings surroundings);
 
     asio::awaitable<ProcessRunner::Result> run(fs::path executable, std::vector<std::string> arguments,
                                                std::map<std::string, std::string> environment,

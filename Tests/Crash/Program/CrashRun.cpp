@@ -1,6 +1,7 @@
-/// One backup of a generated source, as a program of its own for tests that kill it, fail its calls, or hold
-/// it: marrowbox-crash-run DESTINATION GENERATION. Ends with 0 when a snapshot was published, and with 3 and
-/// the failure's words when the run refused.
+/// One job on a repository, as a program of its own for tests that kill it, fail its calls, or hold it:
+/// marrowbox-crash-run DESTINATION GENERATION backs up a generated source, marrowbox-crash-run DESTINATION
+/// prune removes all snapshots but the latest. Ends with 0 when the job is done, and with 3 and the failure's
+/// words when it refused.
 
 #include "Program/GeneratedSource.h"
 
@@ -11,6 +12,7 @@
 #include <boost/asio/use_future.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 namespace {
 
@@ -33,13 +35,24 @@ void backUp(const fs::path& destination, int generation) {
     snapshot.get();
 }
 
+void prune(const fs::path& destination) {
+    asio::thread_pool threads(2);
+    BackupEngine engine(threads.get_executor(), [] { return Date{1e12}; });
+    SyncUnit unit = test::generatedUnit();
+    unit.retentionDays = 1;
+    asio::co_spawn(threads, engine.prune(unit, destination), asio::use_future).get();
+}
+
 } // namespace
 
 int main(int count, char** words) {
     if (count != 3)
         return EXIT_FAILURE;
     try {
-        backUp(words[1], std::atoi(words[2]));
+        if (std::string_view(words[2]) == "prune")
+            prune(words[1]);
+        else
+            backUp(words[1], std::atoi(words[2]));
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return refused;

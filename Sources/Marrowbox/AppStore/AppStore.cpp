@@ -1,0 +1,103 @@
+#include "Marrowbox/AppStore/AppStore.h"
+
+#include "Marrowbox/AppStore/Failure.h"
+#include "Models/BackupError.h"
+#include "Models/JSONFile.h"
+#include "Platform/Cancellation.h"
+
+#include <boost/asio/co_spawn.hpp>
+
+namespace marrowbox {
+
+namespace {
+
+/// Runs work on the store to its end, with the store alive throughout.
+asio::awaitable<void> keeping(std::shared_ptr<AppStore> store, asio::awaitable<void> work) {
+    co_await std::move(work);
+}
+
+GoogleSignIn::Surroundings signInSurroundings(const AppSurroundings& around) {
+    Desktop& desktop = around.desktop;
+    return {.executor = around.main,
+            .http = around.http,
+            .clock = around.clock,
+            .wait = around.wait,
+            .openBrowser = [&desktop](const std::string& address) { return desktop.openPage(address); }};
+}
+
+} // namespace
+
+std::shared_ptr<AppStore> AppStore::start(AppSurroundings surroundings) {
+    const auto store = std::make_shared<AppStore>(Start{}, std::move(surroundings));
+    store->bringUp();
+    return store;
+}
+
+AppStore::AppStore(Start, AppSurroundings surroundings)
+    : around_(std::move(surroundings)), dataDirectory_(marrowbox::dataDirectory(around_.environment)),
+      credentials_(credentialDirectory(around_.environment)), engine_(around_.pool, around_.clock),
+      mounts_(around_.pool, dataDirectory_ / "MountedSnapshots", around_.mountMachine),
+      googleSignIn_(signInSurroundings(around_)) {
+}
+
+void AppStore::dismissError() {
+    state_.errorMessage.set(std::nullopt);
+}
+
+void AppStore::showSettings(bool shown) {
+    state_.showSettings.set(shown);
+}
+
+void AppStore::showSettingsTab(int tab) {
+    state_.settingsTab.set(tab);
+}
+
+void AppStore::showNewUnit(bool shown) {
+    state_.showNewUnit.set(shown);
+}
+
+void AppStore::persist() {
+    if (!configurationIsReadable_)
+        throw BackupError(
+            "Configuration could not be loaded. It has been preserved; automatic backups are paused.");
+    JSONFile::write(*state_.configuration, dataDirectory_ / "Configuration.json");
+}
+
+void AppStore::persistOrReport() {
+    try {
+        persist();
+    } catch (const std::exception& failure) {
+        report(failure);
+    }
+}
+
+void AppStore::report(const std::exception& failure) {
+    state_.errorMessage.set(words(failure));
+}
+
+void AppStore::spawn(asio::awaitable<void> work) {
+    asio::co_spawn(around_.main, keeping(shared_from_this(), std::move(work)),
+                   [weak = weak_from_this()](std::exception_ptr thrown) {
+                       const auto store = weak.lock();
+                       if (!thrown || !store)
+                           return;
+                       try {
+                           std::rethrow_exception(thrown);
+                       } catch (const CancellationError&) { // whoever cancelled knows
+                       } catch (const std::exception& failure) {
+                           store->report(failure);
+                       }
+                   });
+}
+
+void AppStore::spawnWeakly(asio::awaitable<void> work) {
+    asio::co_spawn(around_.main, std::move(work), [](std::exception_ptr thrown) {
+        try {
+            if (thrown)
+                std::rethrow_exception(thrown);
+        } catch (const CancellationError&) { // a wait that was cancelled has nothing left to do
+        }
+    });
+}
+
+} // namespace marrowbox

@@ -1,0 +1,74 @@
+#include "Marrowbox/AppStore/AppStore.h"
+#include "Models/BackupError.h"
+#include "Platform/Files.h"
+
+namespace marrowbox {
+
+namespace {
+
+constexpr const char* importedClientName = "GoogleOAuth.json";
+
+} // namespace
+
+void AppStore::loadClientAtStart() {
+    const bool importedIsInForce = state_.configuration->usesImportedClient;
+    const fs::path imported = dataDirectory_ / importedClientName;
+    if (importedIsInForce && fs::exists(imported)) {
+        loadClient(imported);
+    } else if (around_.bundledClient) {
+        loadClient(*around_.bundledClient);
+    } else if (importedIsInForce) {
+        state_.configuration.change([](AppConfiguration& current) { current.usesImportedClient = false; });
+    }
+}
+
+void AppStore::loadClient(const fs::path& file) {
+    publishClient(OAuthClient::load(file));
+}
+
+void AppStore::publishClient(const OAuthClient& client) {
+    state_.auth.set(
+        std::make_shared<const GoogleAuth>(client, around_.http, credentials_, around_.clock, around_.pool));
+    state_.credentialProject.set(client.project_id.value_or("Google Cloud"));
+}
+
+void AppStore::importClient() {
+    spawn(chooseClient());
+}
+
+asio::awaitable<void> AppStore::chooseClient() {
+    const std::optional<fs::path> chosen = co_await around_.desktop.chooseJSONFile(
+        "Choose the Desktop OAuth client JSON downloaded from Google Cloud.");
+    if (!chosen)
+        co_return;
+    try {
+        adoptClient(*chosen);
+    } catch (const std::exception& failure) {
+        report(failure);
+    }
+}
+
+void AppStore::adoptClient(const fs::path& file) {
+    const OAuthClient client = OAuthClient::load(file);
+    const std::string bytes = readFile(file);
+    AtomicFile copy(dataDirectory_ / importedClientName);
+    writeAll(copy.descriptor(), bytes);
+    copy.publish();
+    state_.configuration.change([](AppConfiguration& current) { current.usesImportedClient = true; });
+    persist();
+    publishClient(client);
+}
+
+void AppStore::useBundledClient() {
+    try {
+        if (!around_.bundledClient)
+            throw BackupError("This build does not include a Google OAuth client.");
+        loadClient(*around_.bundledClient);
+        state_.configuration.change([](AppConfiguration& current) { current.usesImportedClient = false; });
+        persist();
+    } catch (const std::exception& failure) {
+        report(failure);
+    }
+}
+
+} // namespace marrowbox

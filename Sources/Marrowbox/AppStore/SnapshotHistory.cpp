@@ -1,0 +1,65 @@
+#include "Marrowbox/AppStore/AppStore.h"
+#include "Marrowbox/AppStore/Failure.h"
+#include "Marrowbox/AppStore/OnExecutor.h"
+#include "Repository/BackupRepository.h"
+
+#include <algorithm>
+#include <boost/asio/post.hpp>
+
+namespace marrowbox {
+
+struct AppStore::History {
+    SnapshotList snapshots = std::make_shared<const std::vector<Snapshot>>();
+    BackupStorageUsage storageUsage;
+};
+
+AppStore::History AppStore::readHistory(const fs::path& destination, const Uuid& unitID) {
+    std::vector<Snapshot> snapshots = BackupRepository(destination, unitID).snapshots();
+    const BackupStorageUsage usage = BackupStorageUsage::measure(snapshots);
+    std::ranges::reverse(snapshots);
+    return {std::make_shared<const std::vector<Snapshot>>(std::move(snapshots)), usage};
+}
+
+void AppStore::publishHistory(History history, std::optional<std::string> issue) {
+    // A long history has millions of entries; the last to let go of it spends the time that this takes.
+    SnapshotList old = *state_.snapshots;
+    state_.snapshots.set(std::move(history.snapshots));
+    asio::post(around_.pool, [old = std::move(old)] {});
+    state_.storageUsage.set(std::move(history.storageUsage));
+    state_.destinationIssue.set(std::move(issue));
+}
+
+void AppStore::select(std::optional<Uuid> unitID) {
+    if (unitID == *state_.selectedUnitID)
+        return;
+    state_.selectedUnitID.set(unitID);
+    publishHistory({}, std::nullopt);
+    reloadSnapshots();
+}
+
+void AppStore::reloadSnapshots() {
+    spawn(refreshSnapshots());
+}
+
+asio::awaitable<void> AppStore::refreshSnapshots() {
+    const SyncUnit* const selected = state_.selectedUnit();
+    if (!selected) {
+        publishHistory({}, std::nullopt);
+        co_return;
+    }
+    const SyncUnit unit = *selected;
+    History history;
+    std::optional<std::string> issue;
+    try {
+        const fs::path folder = co_await destination(unit);
+        history =
+            co_await onExecutor(around_.pool, [folder, id = unit.id] { return readHistory(folder, id); });
+    } catch (const std::exception& failure) {
+        issue = words(failure);
+    }
+    // Whoever has moved on to another unit has another refresh on the way, and must not see these figures.
+    if (*state_.selectedUnitID == unit.id)
+        publishHistory(std::move(history), std::move(issue));
+}
+
+} // namespace marrowbox

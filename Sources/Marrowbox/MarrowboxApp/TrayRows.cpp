@@ -1,0 +1,78 @@
+#include "Marrowbox/MarrowboxApp/TrayRows.h"
+
+#include "Platform/Wording.h"
+
+#include <QCoreApplication>
+#include <map>
+
+namespace marrowbox {
+
+namespace {
+
+QString tr(const char* text, int count = -1) {
+    return QCoreApplication::translate("TrayRows", worded(text).c_str(), nullptr, count);
+}
+
+TrayRow line() {
+    return {};
+}
+
+TrayRow note(QString text) {
+    return {.text = std::move(text), .isEnabled = false};
+}
+
+TrayRow command(QString text, TrayCommand::Any does) {
+    return {.text = std::move(text), .command = std::move(does)};
+}
+
+void addUnits(std::vector<TrayRow>& rows, const AppState& state) {
+    for (const SyncUnit& unit : state.configuration->units) {
+        TrayRow row =
+            command(tr("Back up %1").arg(QString::fromStdString(unit.name)), TrayCommand::BackUp{unit.id});
+        row.isEnabled = !*state.activeUnitID;
+        rows.push_back(std::move(row));
+    }
+    if (*state.activeUnitID)
+        rows.push_back(command(tr("Cancel backup"), TrayCommand::CancelBackup{}));
+}
+
+void addMounts(std::vector<TrayRow>& rows, const AppState& state) {
+    if (state.mounted->empty())
+        return;
+    rows.push_back(line());
+    rows.push_back(note(tr("Mounted snapshots")));
+    std::multimap<std::string, Uuid> byName;
+    for (const auto& [id, mounted] : *state.mounted)
+        byName.emplace(mounted.displayName, id);
+    for (const auto& [name, id] : byName) {
+        TrayRow eject = command(tr("Eject"), TrayCommand::Eject{id});
+        eject.icon = "eject";
+        rows.push_back(
+            {.text = QString::fromStdString(name),
+             .children = {command(tr("Open in Finder"), TrayCommand::OpenMounted{id}), std::move(eject)}});
+    }
+}
+
+} // namespace
+
+std::vector<TrayRow> trayRows(const AppState& state) {
+    std::vector<TrayRow> rows;
+    rows.push_back(
+        note(*state.activeUnitID ? QString::fromStdString(*state.progress) : tr("Your backup companion")));
+    rows.push_back(command(tr("Open Marrowbox"), TrayCommand::OpenWindow{}));
+    rows.push_back(line());
+    addUnits(rows, state);
+    addMounts(rows, state);
+    if (const std::size_t waiting = state.pendingEmails(); waiting > 0)
+        rows.push_back(note(tr("%1 email summaries waiting to send").arg(waiting)));
+    rows.push_back(line());
+    rows.push_back(command(tr("Settings"), TrayCommand::OpenSettings{}));
+    rows.push_back(command(tr("Quit Marrowbox"), TrayCommand::Quit{}));
+    return rows;
+}
+
+QString traySymbol(const AppState& state) {
+    return *state.activeUnitID ? "arrow.triangle.2.circlepath.cloud" : "cloud.checkmark";
+}
+
+} // namespace marrowbox

@@ -1,0 +1,122 @@
+#include "Models/BackupError.h"
+#include "StoreWorld.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace marrowbox {
+
+using test::StoreWorld;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+RunRecord runningRecord(const SyncUnit& unit, Date startedAt) {
+    RunRecord record = beginRunRecord(unit, "anna@example.org", true, startedAt);
+    record.notificationPolicy = NotificationPolicy::all;
+    return record;
+}
+
+} // namespace
+
+TEST(StartUp, makesAPrivateFolderAndTheDefaultConfigurationAtTheFirstStart) {
+    StoreWorld world;
+    world.start();
+    struct stat status{};
+    ASSERT_EQ(::stat(world.data.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0700U);
+    EXPECT_EQ(world.written(), AppConfiguration());
+    EXPECT_FALSE(*world.state().selectedUnitID);
+    EXPECT_EQ(world.error(), "");
+}
+
+TEST(StartUp, turnsARunThatACrashLeftIntoAnInterruptedOneAndRunsItAgain) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units[0].nextRun = world.time.now() - 60;
+    configuration.runs = {runningRecord(configuration.units[0], world.time.now() - 3600)};
+    world.write(configuration);
+    world.begin();
+    const RunRecord& recovered = world.lastRun();
+    EXPECT_EQ(recovered.outcome, RunOutcome::interrupted);
+    EXPECT_EQ(recovered.endedAt, world.time.now());
+    EXPECT_EQ(recovered.detail, "The app stopped before this snapshot finished. Any previously completed "
+                                "snapshots remain available.");
+    EXPECT_TRUE(recovered.notify);
+    EXPECT_EQ(world.unit().nextRun, world.time.now() - 60);
+    EXPECT_EQ(world.written().runs, world.configuration().runs);
+    world.time.settle();
+    ASSERT_EQ(world.configuration().runs.size(), 2U);
+    EXPECT_EQ(world.lastRun().outcome, RunOutcome::succeeded);
+}
+
+TEST(StartUp, readsASwitchedOffUnitAsAManualOne) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    SyncUnit on = configuration.units[0];
+    on.id = Uuid::random();
+    on.isEnabled = true;
+    configuration.units[0].isEnabled = false;
+    configuration.units.push_back(on);
+    world.write(configuration);
+    world.start();
+    EXPECT_EQ(world.unit(0).schedule.frequency, ScheduleFrequency::manual);
+    EXPECT_FALSE(world.unit(0).nextRun);
+    EXPECT_EQ(world.unit(1).schedule, on.schedule);
+    EXPECT_EQ(world.unit(1).nextRun, on.nextRun);
+    EXPECT_THAT(readFile(world.data / "Configuration.json"), Not(HasSubstr("isEnabled")));
+}
+
+TEST(StartUp, selectsTheFirstUnit) {
+    StoreWorld world;
+    world.write(test::oneUnit(world));
+    world.start();
+    EXPECT_EQ(*world.state().selectedUnitID, world.unit().id);
+    EXPECT_EQ(world.state().credentialProject->c_str(), std::string("Bundled project"));
+}
+
+TEST(StartUp, neverOverwritesAConfigurationOfALaterVersion) {
+    StoreWorld world;
+    AppConfiguration later = test::oneUnit(world);
+    later.schemaVersion = 2;
+    later.units[0].nextRun = world.time.now() - 60;
+    world.write(later);
+    const std::string before = readFile(world.data / "Configuration.json");
+    AppStore& store = world.start();
+    EXPECT_EQ(world.error(), "This configuration needs a newer Marrowbox version.");
+    EXPECT_EQ(world.configuration().units.size(), 1U);
+    store.removeUnit(world.unit());
+    EXPECT_EQ(world.error(),
+              "Configuration could not be loaded. It has been preserved; automatic backups are paused.");
+    EXPECT_THROW(world.finish(store.addUnit(test::dailyUnit(world), world.disk)), BackupError);
+    store.retryEmails();
+    store.removeAccount(test::anna());
+    store.useBundledClient();
+    world.time.advance(600);
+    EXPECT_EQ(readFile(world.data / "Configuration.json"), before);
+    EXPECT_THAT(world.configuration().runs, IsEmpty());
+}
+
+TEST(StartUp, preservesAConfigurationThatCannotBeRead) {
+    StoreWorld world;
+    makeDirectories(world.data, 0700);
+    writeAll(openFile(world.data / "Configuration.json", O_WRONLY | O_CREAT), "{\"units\": [");
+    world.start();
+    EXPECT_NE(world.error(), "");
+    EXPECT_FALSE(world.store->configurationIsReadable());
+    EXPECT_EQ(readFile(world.data / "Configuration.json"), "{\"units\": [");
+}
+
+TEST(StartUp, tellsThatASecondCopyRuns) {
+    StoreWorld first;
+    first.write(test::oneUnit(first));
+    first.start();
+    StoreWorld second;
+    fs::create_directory_symlink(first.data, second.data);
+    second.start();
+    EXPECT_EQ(second.error(), "This backup is already in use. Wait for the other job to finish.");
+    EXPECT_THAT(second.configuration().units, IsEmpty());
+}
+
+} // namespace marrowbox
