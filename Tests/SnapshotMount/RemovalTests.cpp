@@ -1,3 +1,4 @@
+#include "KillSwitch.h"
 #include "MountWorld.h"
 
 #include "Platform/Files.h"
@@ -87,6 +88,25 @@ TEST(OwnedRemoval, ofAnEntryWithoutAFolderAsksNeitherForOpenFilesNorForProcesses
     EXPECT_TRUE(removal.world.folder.load().entries.empty());
     EXPECT_EQ(removal.world.machine->count("lsof"), 0u);
     EXPECT_EQ(removal.world.machine->count("ps"), 0u);
+}
+
+TEST(OwnedRemoval, forgetsAFolderOnlyWhenItIsGoneForGood) {
+    Removal removal;
+    bool isGoneForGood = false;
+    bool isForgotten = false;
+    // Nothing is killed; the calls are only looked at.
+    test::killBefore([&](std::string_view call, const std::string& path) {
+        if (call == "fsync" && path == removal.world.folder.workRoot())
+            isGoneForGood = !fs::exists(removal.workFolder());
+        if (call == "rename" && path == removal.world.folder.registryFile()) {
+            isForgotten = true;
+            EXPECT_TRUE(isGoneForGood);
+        }
+        return false;
+    });
+    removal.run();
+    test::killBefore({});
+    EXPECT_TRUE(isForgotten);
 }
 
 TEST(OwnedRemoval, followsNoLinkOutOfTheWorkFolder) {

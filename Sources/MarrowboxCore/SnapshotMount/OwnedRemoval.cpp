@@ -53,6 +53,8 @@ asio::awaitable<void> OwnedRemoval::remove(MountEntry entry, std::stop_token sto
     folder_.validate(entry, MarkerCheck::required);
     refuseNestedMount(entry);
     removeWorkFolder(workFolder);
+    // A power cut must not bring back a folder that no entry names any more: nobody would ever delete it.
+    synchronizeFolder(folder_.workRoot());
     folder_.forget(entry);
 }
 
