@@ -132,6 +132,8 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     struct History;
     static History readHistory(const fs::path& destination, const Uuid& unitID);
     void publishHistory(History history, std::optional<std::string> issue);
+    /// Selects a unit, whose history is read later.
+    void turnTo(std::optional<Uuid> unitID);
     asio::awaitable<void> mount(Snapshot snapshot, SyncUnit unit, std::stop_token stop);
     void publishMountResult(std::optional<std::string> issue);
     asio::awaitable<void> openValidated(Uuid id);

@@ -32,9 +32,16 @@ void AppStore::publishHistory(History history, std::optional<std::string> issue)
 void AppStore::select(std::optional<Uuid> unitID) {
     if (unitID == *state_.selectedUnitID)
         return;
-    state_.selectedUnitID.set(unitID);
-    publishHistory({}, std::nullopt);
+    turnTo(unitID);
     reloadSnapshots();
+}
+
+void AppStore::turnTo(std::optional<Uuid> unitID) {
+    if (unitID == *state_.selectedUnitID)
+        return;
+    state_.selectedUnitID.set(unitID);
+    // What was read of the unit before must not be seen beside the new one's name.
+    publishHistory({}, std::nullopt);
 }
 
 void AppStore::reloadSnapshots() {
