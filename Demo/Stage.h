@@ -7,6 +7,7 @@
 #include "Processes/ProcessSurroundings.h"
 #include "Repository/BackupEngine.h"
 #include "Sandbox/SandboxServer.h"
+#include "SnapshotMount/SnapshotMount.h"
 
 #include <boost/asio/thread_pool.hpp>
 #include <filesystem>
@@ -16,8 +17,8 @@
 
 namespace marrowbox::demo {
 
-/// What the demonstration needs around it: the simulated Google services, an account with a stored token, a
-/// destination, and the core's objects wired as the application wires them.
+/// What the demonstration needs around it: the simulated Google services, a destination, and the core's
+/// objects wired as the application wires them. Everything lies in one folder.
 class Stage {
   public:
     /// Makes its folders below this one, which must exist and be empty.
@@ -29,24 +30,38 @@ class Stage {
     sandbox::SandboxServer& sandbox() { return sandbox_; }
     asio::any_io_executor executor() { return pool_.get_executor(); }
 
-    /// A unit that backs up this place, with a new repository at the destination.
-    SyncUnit addUnit(const std::string& name, DriveLocation source);
+    /// Connects the account of the simulated Drive by a sign-in with a browser and keeps its token.
+    asio::awaitable<GoogleAccount> signIn(std::stop_token stop);
+
+    /// A unit that backs up this place of the account, with a new repository at the destination.
+    SyncUnit addUnit(const GoogleAccount& account, const std::string& name, DriveLocation source);
     fs::path repository(const SyncUnit& unit) const;
 
     /// One backup of the unit as its source is now.
     asio::awaitable<Snapshot> backUp(SyncUnit unit, Progress progress, std::stop_token stop);
+    /// Writes a snapshot out into a new folder of this name, and gives the folder.
+    asio::awaitable<fs::path> restore(Snapshot snapshot, SyncUnit unit, std::string name,
+                                      std::stop_token stop);
+    asio::awaitable<MountedSnapshot> mount(Snapshot snapshot, SyncUnit unit, std::stop_token stop);
+    asio::awaitable<void> eject(MountedSnapshot mounted, std::stop_token stop);
+
+    /// Ejects all volumes below the folder of a stage, whichever run of the demonstration left them, and
+    /// waits for what was stopped in the middle. Gives the reason when something stays.
+    static asio::awaitable<std::optional<std::string>> clearVolumes(fs::path folder);
 
   private:
+    fs::path folder_;
     sandbox::SandboxServer sandbox_;
     fs::path authority_;
     fs::path destination_;
+    ProcessSurroundings surroundings_;
     asio::thread_pool pool_;
     HTTPSession session_;
+    HTTP http_;
     std::shared_ptr<const GoogleAuth> auth_;
-    std::string accountID_;
-    ProcessSurroundings surroundings_;
     fs::path rclone_;
     BackupEngine engine_;
+    SnapshotMount mounts_;
 };
 
 } // namespace marrowbox::demo

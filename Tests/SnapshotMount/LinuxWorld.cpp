@@ -1,6 +1,7 @@
 #include "LinuxWorld.h"
 
 #include "Platform/Files.h"
+#include "Platform/FuseSupport.h"
 #include "SnapshotMount/ProcessEnd.h"
 
 #include <fcntl.h>
@@ -14,9 +15,7 @@ std::optional<std::string> reasonForNoVolumes() {
                              "/usr/bin/findmnt", "/usr/bin/lsof", "/bin/ps"})
         if (::access(tool, X_OK) != 0)
             return std::string("this machine has no ") + tool;
-    if (::access("/dev/fuse", R_OK | W_OK) != 0)
-        return "this machine offers no FUSE device to this user";
-    return std::nullopt;
+    return reasonForNoFUSE();
 }
 
 LinuxWorld::LinuxWorld() : machine(std::make_shared<LiveMountSystem>(ProcessSurroundings::ofThisProcess())) {

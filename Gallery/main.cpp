@@ -1,0 +1,57 @@
+// marrowbox-gallery FOLDER [NAME...]: takes a picture of every scene, or of those whose names begin so, in
+// light and dark, at the scale that QT_SCALE_FACTOR says. Ends with 1 and says why when a scene cannot be
+// shown or makes QML warn.
+#include "Gallery/Photographer.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QTextStream>
+#include <exception>
+
+namespace {
+
+using namespace marrowbox::gallery;
+
+bool isWanted(const QString& name, const QStringList& beginnings) {
+    if (beginnings.isEmpty())
+        return true;
+    for (const QString& beginning : beginnings)
+        if (name.startsWith(beginning))
+            return true;
+    return false;
+}
+
+bool take(const Scene& scene, Light light, const QDir& folder) {
+    try {
+        const QImage picture = photograph(scene, light);
+        const QString file =
+            QStringLiteral("%1-%2@%3x.png")
+                .arg(scene.name, light == Light::dark ? QStringLiteral("dark") : QStringLiteral("light"))
+                .arg(picture.devicePixelRatio());
+        return picture.save(folder.filePath(file));
+    } catch (const std::exception& failure) {
+        QTextStream(stderr) << failure.what() << Qt::endl;
+        return false;
+    }
+}
+
+} // namespace
+
+int main(int count, char** values) {
+    const QGuiApplication application(count, values);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() < 2)
+        return 2;
+    const QDir folder(arguments.at(1));
+    folder.mkpath(QStringLiteral("."));
+    int taken = 0;
+    int failed = 0;
+    for (const Scene& scene : allScenes()) {
+        if (!isWanted(scene.name, arguments.mid(2)))
+            continue;
+        for (const Light light : {Light::light, Light::dark})
+            ++(take(scene, light, folder) ? taken : failed);
+    }
+    QTextStream(stdout) << taken << " pictures in " << folder.absolutePath() << Qt::endl;
+    return failed == 0 && taken > 0 ? 0 : 1;
+}

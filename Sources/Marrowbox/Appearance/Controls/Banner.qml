@@ -1,0 +1,76 @@
+import QtQuick
+import QtQuick.Layouts
+import Marrowbox.Appearance
+
+// Something that needs attention, above the page: a title, a text and a button that helps.
+Rectangle {
+    id: root
+
+    required property string text
+    property string title: ""
+    property string symbol: "exclamationmark.triangle.fill"
+    property int tone: Tone.Warning
+    property string action: ""
+    property bool actionEnabled: true
+    property string actionDisabledReason: ""
+    property string spokenName: title !== "" ? title + " " + text : text
+    readonly property color ink: Appearance.toneColor(tone)
+
+    signal acted
+
+    implicitWidth: row.implicitWidth + Appearance.mediumGap * 2
+    implicitHeight: row.implicitHeight + Appearance.gap * 2
+    radius: Appearance.cardRadius
+    color: Appearance.faded(ink, Appearance.tileHoverFill)
+    border.width: Appearance.hairline
+    border.color: Appearance.faded(ink, Appearance.restBorder)
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: spokenName
+
+    RowLayout {
+        id: row
+        anchors.fill: parent
+        anchors.leftMargin: Appearance.mediumGap
+        anchors.rightMargin: Appearance.mediumGap
+        spacing: Appearance.gap
+
+        Icon {
+            name: root.symbol
+            side: Appearance.mediumIcon
+            color: root.ink
+        }
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: Appearance.hairGap
+
+            Text {
+                Layout.fillWidth: true
+                visible: text !== ""
+                text: root.title
+                textFormat: Text.PlainText
+                font: Appearance.strong
+                color: Appearance.text
+                wrapMode: Text.Wrap
+            }
+
+            Text {
+                Layout.fillWidth: true
+                text: root.text
+                textFormat: Text.PlainText
+                font: Appearance.body
+                color: Appearance.text
+                lineHeight: Appearance.lineHeight
+                wrapMode: Text.Wrap
+            }
+        }
+
+        ActionButton {
+            visible: root.action !== ""
+            text: root.action
+            enabled: root.actionEnabled
+            disabledReason: root.actionDisabledReason
+            onClicked: root.acted()
+        }
+    }
+}

@@ -1,0 +1,75 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Marrowbox.Appearance
+
+// One line of a menu or of a picker's list.
+T.ItemDelegate {
+    id: root
+
+    property string symbol: ""
+    property string detail: ""
+    property bool chosen: false
+    property bool destructive: false
+    property string disabledReason: qsTr("Not available at the moment.")
+    readonly property QtObject accent: Appearance.accentOf(Appearance.theme)
+    readonly property color ink: destructive ? Appearance.alert : highlighted && enabled ? accent.ink : Appearance.text
+
+    function press() {
+        if (enabled)
+            clicked();
+    }
+
+    hoverEnabled: true
+    font: Appearance.body
+    leftPadding: Appearance.smallGap
+    rightPadding: Appearance.smallGap
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: Appearance.controlHeight
+    opacity: enabled ? Appearance.opaque : Appearance.disabledOpacity
+
+    Accessible.role: Accessible.MenuItem
+    Accessible.name: text
+    Accessible.description: enabled ? detail : disabledReason
+    Accessible.selectable: true
+    Accessible.selected: chosen
+    Accessible.onPressAction: press()
+
+    background: Rectangle {
+        radius: Appearance.smallRadius
+        color: Appearance.faded(root.accent.tint, (root.highlighted || root.hovered) && root.enabled ? Appearance.activeFill : 0)
+    }
+
+    contentItem: RowLayout {
+        spacing: Appearance.smallGap
+
+        Icon {
+            name: root.symbol
+            color: root.ink
+        }
+
+        Text {
+            Layout.fillWidth: true
+            text: root.text
+            textFormat: Text.PlainText
+            font: root.font
+            color: root.ink
+            elide: Text.ElideMiddle
+        }
+
+        Text {
+            visible: text !== ""
+            text: root.detail
+            textFormat: Text.PlainText
+            font: Appearance.caption
+            color: Appearance.muted
+        }
+
+        Icon {
+            name: "checkmark"
+            opacity: root.chosen ? Appearance.opaque : 0
+            side: Appearance.smallIcon
+            color: root.accent.ink
+        }
+    }
+}

@@ -1,0 +1,81 @@
+import QtQuick
+import QtQuick.Templates as T
+import Marrowbox.Appearance
+
+// A number with two steps, for hours and minutes. Bind `number`; `picked` tells what the user wants.
+T.SpinBox {
+    id: root
+
+    required property string label
+    property int number: 0
+    property int digits: 2
+    property string disabledReason: qsTr("Not available at the moment.")
+    readonly property QtObject accent: Appearance.accentOf(Appearance.theme)
+
+    signal picked(int number)
+
+    value: number
+    editable: true
+    hoverEnabled: true
+    wrap: true
+    font: Appearance.body
+    leftPadding: Appearance.smallGap
+    rightPadding: Appearance.mediumGap + Appearance.smallGap
+    implicitWidth: Appearance.stepperWidth
+    implicitHeight: Appearance.controlHeight
+    opacity: enabled ? Appearance.opaque : Appearance.disabledOpacity
+    textFromValue: value => String(value).padStart(digits, "0")
+    valueFromText: text => Number.parseInt(text, 10) || 0
+    // Also what assistive technology sets comes this way.
+    onValueChanged: if (value !== number)
+        picked(value)
+
+    Accessible.role: Accessible.SpinBox
+    Accessible.name: label
+    Accessible.description: enabled ? textFromValue(value) : disabledReason
+    Accessible.onIncreaseAction: if (enabled)
+        increase()
+    Accessible.onDecreaseAction: if (enabled)
+        decrease()
+
+    validator: IntValidator {
+        bottom: Math.min(root.from, root.to)
+        top: Math.max(root.from, root.to)
+    }
+
+    contentItem: TextInput {
+        text: root.displayText
+        font: root.font
+        color: Appearance.text
+        selectionColor: root.accent.color
+        selectedTextColor: root.accent.onColor
+        selectByMouse: true
+        horizontalAlignment: Qt.AlignHCenter
+        verticalAlignment: Qt.AlignVCenter
+        validator: root.validator
+        inputMethodHints: Qt.ImhDigitsOnly
+    }
+
+    up.indicator: StepMark {
+        x: root.width - width - Appearance.tinyGap
+        y: Appearance.hairGap
+        height: root.height / 2 - Appearance.hairGap
+        upwards: true
+        active: root.enabled && root.up.hovered
+    }
+
+    down.indicator: StepMark {
+        x: root.width - width - Appearance.tinyGap
+        y: root.height / 2
+        height: root.height / 2 - Appearance.hairGap
+        upwards: false
+        active: root.enabled && root.down.hovered
+    }
+
+    background: Rectangle {
+        radius: Appearance.smallRadius
+        color: Appearance.field
+        border.width: root.activeFocus ? Appearance.focusWidth : Appearance.hairline
+        border.color: root.activeFocus ? root.accent.tint : root.hovered ? Appearance.muted : Appearance.fieldBorder
+    }
+}

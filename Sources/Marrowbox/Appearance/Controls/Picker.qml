@@ -1,0 +1,105 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import QtQuick.Window
+import Marrowbox.Appearance
+
+// Chooses one of a few. `choices` is a list of { value, title, detail? }; `chosen` is the value that holds, and `picked` tells
+// which one the user wants.
+T.ComboBox {
+    id: root
+
+    required property string label
+    required property var choices
+    property var chosen: undefined
+    /// Shown while none of the choices holds.
+    property string emptyTitle: ""
+    property string disabledReason: qsTr("Not available at the moment.")
+    property string theme: Appearance.theme
+    readonly property QtObject accent: Appearance.accentOf(theme)
+    readonly property int chosenIndex: choices.findIndex(choice => choice.value === chosen)
+
+    signal picked(var value)
+
+    model: choices
+    textRole: "title"
+    valueRole: "value"
+    currentIndex: chosenIndex
+    displayText: chosenIndex < 0 ? emptyTitle : choices[chosenIndex].title
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    font: Appearance.body
+    leftPadding: Appearance.buttonSidePadding
+    rightPadding: Appearance.smallGap
+    implicitWidth: Appearance.fieldWidth
+    implicitHeight: Appearance.controlHeight
+    opacity: enabled ? Appearance.opaque : Appearance.disabledOpacity
+
+    onActivated: index => {
+        const wanted = choices[index].value;
+        currentIndex = Qt.binding(() => root.chosenIndex);
+        if (wanted !== chosen)
+            root.picked(wanted);
+    }
+    Keys.onReturnPressed: popup.open()
+    Keys.onEnterPressed: popup.open()
+
+    Accessible.role: Accessible.ComboBox
+    Accessible.name: label
+    Accessible.description: enabled ? displayText : disabledReason
+    Accessible.onPressAction: if (enabled)
+        popup.open()
+
+    background: MenuHoverSurface {
+        accent: root.accent
+        hovered: root.enabled && (root.hovered || root.visualFocus || root.popup.visible)
+        focused: root.visualFocus
+    }
+
+    contentItem: RowLayout {
+        spacing: Appearance.smallGap
+
+        Text {
+            Layout.fillWidth: true
+            text: root.displayText
+            textFormat: Text.PlainText
+            font: root.font
+            color: root.chosenIndex < 0 ? Appearance.muted : Appearance.text
+            elide: Text.ElideMiddle
+        }
+
+        Icon {
+            name: "chevron.up.chevron.down"
+            side: Appearance.smallIcon
+            color: Appearance.muted
+        }
+    }
+
+    delegate: ChoiceRow {
+        required property var modelData
+        required property int index
+
+        width: ListView.view.width
+        text: modelData.title
+        detail: modelData.detail ?? ""
+        chosen: index === root.chosenIndex
+        highlighted: index === root.highlightedIndex
+    }
+
+    popup: T.Popup {
+        y: root.height + Appearance.tinyGap
+        width: root.width
+        padding: Appearance.tinyGap
+        margins: Appearance.smallGap
+        height: Math.min(list.contentHeight + topPadding + bottomPadding, Appearance.mostMenuHeight)
+        background: PopupSurface {}
+        contentItem: ListView {
+            id: list
+            clip: true
+            model: root.delegateModel
+            currentIndex: root.highlightedIndex
+            highlightMoveDuration: 0
+            T.ScrollBar.vertical: ThinScrollBar {}
+        }
+    }
+}

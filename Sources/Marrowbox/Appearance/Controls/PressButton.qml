@@ -1,0 +1,44 @@
+import QtQuick
+import QtQuick.Templates as T
+import Marrowbox.Appearance
+
+// What every button shares: Space and Return press it, assistive technology presses it, and a disabled one refuses and says why.
+T.Button {
+    id: root
+
+    /// Shown beside the pointer and read out after the name.
+    property string help: ""
+    property string spokenName: text
+    /// Read out while the button is disabled, since assistive technology is not told that it is.
+    property string disabledReason: qsTr("Not available at the moment.")
+    property string theme: Appearance.theme
+    readonly property QtObject accent: Appearance.accentOf(theme)
+    readonly property bool active: enabled && (hovered || visualFocus || down)
+
+    function press() {
+        if (!enabled)
+            return;
+        if (checkable)
+            toggle();
+        clicked();
+    }
+
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    font: Appearance.button
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
+
+    Accessible.role: Accessible.Button
+    Accessible.name: spokenName
+    Accessible.description: enabled ? help : disabledReason
+    Accessible.onPressAction: press()
+
+    HelpTip {
+        text: root.help
+        shown: root.hovered && !root.down
+    }
+}

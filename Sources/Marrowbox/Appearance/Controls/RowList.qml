@@ -1,0 +1,25 @@
+import QtQuick
+import QtQuick.Templates as T
+import Marrowbox.Appearance
+
+// A list of any length: rows that are out of sight do not exist. The arrow keys move between rows.
+ListView {
+    id: root
+
+    required property string label
+
+    clip: true
+    spacing: Appearance.hairGap
+    boundsBehavior: Flickable.StopAtBounds
+    highlightMoveDuration: 0
+    keyNavigationEnabled: true
+    activeFocusOnTab: count > 0
+    reuseItems: true
+    onActiveFocusChanged: if (activeFocus && currentIndex < 0)
+        currentIndex = 0
+
+    Accessible.role: Accessible.List
+    Accessible.name: label
+
+    T.ScrollBar.vertical: ThinScrollBar {}
+}

@@ -1,0 +1,40 @@
+import QtQuick
+import QtQuick.Layouts
+import Marrowbox.Appearance
+
+// A small numbered heading in the theme's colour.
+RowLayout {
+    id: root
+
+    required property string number
+    required property string title
+    property string theme: Appearance.theme
+    readonly property QtObject accent: Appearance.accentOf(theme)
+
+    spacing: Appearance.smallGap
+    Accessible.role: Accessible.Heading
+    Accessible.name: qsTr("%1. %2").arg(number).arg(title)
+
+    Rectangle {
+        implicitWidth: Appearance.mediumIcon
+        implicitHeight: Appearance.mediumIcon
+        radius: height / 2
+        color: Appearance.faded(root.accent.tint, Appearance.activeFill)
+
+        Text {
+            anchors.centerIn: parent
+            text: root.number
+            font: Appearance.eyebrow
+            color: root.accent.ink
+        }
+    }
+
+    Text {
+        Layout.fillWidth: true
+        text: root.title
+        textFormat: Text.PlainText
+        font: Appearance.subheading
+        color: Appearance.text
+        elide: Text.ElideRight
+    }
+}

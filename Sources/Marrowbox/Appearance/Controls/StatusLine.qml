@@ -1,0 +1,33 @@
+import QtQuick
+import QtQuick.Layouts
+import Marrowbox.Appearance
+
+// A symbol and a line of text that belong together.
+RowLayout {
+    id: root
+
+    required property string text
+    property string symbol: ""
+    property int tone: Tone.Neutral
+    property color ink: Appearance.toneColor(tone)
+    property color iconInk: ink
+    property alias font: words.font
+    property bool wrapped: false
+
+    spacing: Appearance.smallGap - Appearance.hairGap
+
+    Icon {
+        Layout.alignment: root.wrapped ? Qt.AlignTop : Qt.AlignVCenter
+        Layout.topMargin: root.wrapped ? Appearance.hairGap / 2 : 0
+        name: root.symbol
+        color: root.iconInk
+    }
+
+    Words {
+        id: words
+        Layout.fillWidth: true
+        text: root.text
+        color: root.ink
+        wrapMode: root.wrapped ? Text.Wrap : Text.NoWrap
+    }
+}
