@@ -2,6 +2,7 @@
 
 #include "Marrowbox/ContentView/EmailTone.h"
 #include "Marrowbox/ContentView/Figures.h"
+#include "Platform/Wording.h"
 
 #include <QStringList>
 
@@ -34,6 +35,10 @@ void HistoryModel::refresh() {
         byID_.try_emplace(snapshot.id, &snapshot);
     }
     setRows(std::move(ids));
+}
+
+QString HistoryModel::mountTitle() {
+    return tr(worded(QT_TR_NOOP("Mount read-only in Finder")).c_str());
 }
 
 QHash<int, QByteArray> HistoryModel::roleNames() const {

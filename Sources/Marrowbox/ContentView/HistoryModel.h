@@ -15,6 +15,7 @@ class HistoryModel : public IdentifiedRows {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("")
+    Q_PROPERTY(QString mountTitle READ mountTitle CONSTANT)
 
   public:
     enum Role {
@@ -32,6 +33,8 @@ class HistoryModel : public IdentifiedRows {
 
     /// The runs outlive the list.
     HistoryModel(std::shared_ptr<AppStore> store, const UnitRuns& runs, QObject* parent = nullptr);
+
+    static QString mountTitle();
 
     QHash<int, QByteArray> roleNames() const override;
     QVariant data(const QModelIndex& index, int role) const override;

@@ -115,8 +115,11 @@ void describeOrigin(UnitPage& page, const Subject& subject) {
 
 void describeStorage(UnitPage& page, const Subject& subject) {
     const BackupStorageUsage& usage = *subject.state.storageUsage;
+    page.isReading = *subject.state.isReadingHistory && (*subject.state.snapshots)->empty();
+    page.keepsStorageRoom = page.isReading && subject.last;
     if (!usage.totalRetainedBytes || !usage.latestSnapshotBytes)
         return;
+    page.keepsStorageRoom = true;
     page.totalSize = sizeText(*usage.totalRetainedBytes, subject.moment.formats);
     page.latestSize = sizeText(*usage.latestSnapshotBytes, subject.moment.formats);
 }

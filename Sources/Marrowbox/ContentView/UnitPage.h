@@ -39,6 +39,8 @@ class UnitPage {
     Q_PROPERTY(QString destinationDetail MEMBER destinationDetail CONSTANT)
     Q_PROPERTY(QString schedule MEMBER schedule CONSTANT)
     Q_PROPERTY(QString scheduleDetail MEMBER scheduleDetail CONSTANT)
+    Q_PROPERTY(bool isReading MEMBER isReading CONSTANT)
+    Q_PROPERTY(bool keepsStorageRoom MEMBER keepsStorageRoom CONSTANT)
     Q_PROPERTY(QString totalSize MEMBER totalSize CONSTANT)
     Q_PROPERTY(QString latestSize MEMBER latestSize CONSTANT)
     Q_PROPERTY(QString removeQuestion MEMBER removeQuestion CONSTANT)
@@ -68,7 +70,9 @@ class UnitPage {
     QString destinationDetail;
     QString schedule;
     QString scheduleDetail;
-    QString totalSize; ///< Empty, as the next one, unless both sizes are known.
+    bool isReading = false;        ///< The history is still to come.
+    bool keepsStorageRoom = false; ///< Sizes are known, or likely to be in a moment.
+    QString totalSize;             ///< Empty, as the next one, unless both sizes are known.
     QString latestSize;
     QString removeQuestion;
 

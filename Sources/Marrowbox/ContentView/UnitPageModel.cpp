@@ -36,6 +36,7 @@ void UnitPageModel::follow(StoreField field) {
         return refresh();
     case StoreField::configuration:
     case StoreField::snapshots:
+    case StoreField::isReadingHistory:
     case StoreField::storageUsage:
     case StoreField::destinationIssue:
     case StoreField::isConnecting:
