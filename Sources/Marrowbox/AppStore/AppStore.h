@@ -132,6 +132,10 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     struct History;
     static History readHistory(const fs::path& destination, const Uuid& unitID);
     void publishHistory(History history, std::optional<std::string> issue);
+    /// Selects a unit, whose history is read later.
+    void turnTo(std::optional<Uuid> unitID);
+    class HistoryReading;
+    asio::awaitable<void> readSelectedHistory(std::unique_ptr<HistoryReading> reading);
     asio::awaitable<void> mount(Snapshot snapshot, SyncUnit unit, std::stop_token stop);
     void publishMountResult(std::optional<std::string> issue);
     asio::awaitable<void> openValidated(Uuid id);
@@ -167,6 +171,7 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     std::optional<std::stop_source> backupTask_;
     std::optional<std::stop_source> signInTask_;
     std::optional<std::stop_source> exploreTask_;
+    int historyReaders_ = 0;
     bool processingEmail_ = false;
     bool configurationIsReadable_ = true;
     std::optional<RepositoryLock> lifetimeLock_;

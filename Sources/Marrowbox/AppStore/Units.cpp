@@ -14,7 +14,7 @@ asio::awaitable<void> AppStore::addUnit(SyncUnit unit, fs::path destination) {
     const BackupRepository repository(destination, unit.id);
     co_await onExecutor(around_.pool, [&repository] { repository.initialize(); });
     state_.configuration.change([&](AppConfiguration& current) { current.units.push_back(unit); });
-    state_.selectedUnitID.set(unit.id);
+    turnTo(unit.id);
     persist();
     spawn(refreshAndBackUp(std::move(unit)));
 }
@@ -44,7 +44,7 @@ void AppStore::removeUnit(const SyncUnit& unit) {
         std::erase_if(current.units, [&](const SyncUnit& known) { return known.id == id; });
     });
     const auto& left = state_.configuration->units;
-    state_.selectedUnitID.set(left.empty() ? std::nullopt : std::optional(left.front().id));
+    turnTo(left.empty() ? std::nullopt : std::optional(left.front().id));
     persistOrReport();
     reloadSnapshots();
 }

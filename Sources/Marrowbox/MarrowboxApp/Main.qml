@@ -18,13 +18,25 @@ T.ApplicationWindow {
     height: Appearance.windowSize.height
     minimumWidth: Appearance.leastWindowSize.width
     minimumHeight: Appearance.leastWindowSize.height
-    color: Appearance.ground
+    color: Appearance.window
 
     MainView {
         anchors.fill: parent
         model: root.model
-        screens: root.screens
+        welcome: welcome
         menuButton: programMenu
+    }
+
+    SetupSheets {
+        screens: root.screens
+    }
+
+    Component {
+        id: welcome
+
+        WelcomeView {
+            model: root.screens.welcome
+        }
     }
 
     Component {
