@@ -3,7 +3,6 @@
 #include "Processes/ProcessSurroundings.h"
 
 #include <QApplication>
-#include <QQuickStyle>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -21,7 +20,7 @@ void resetSignals() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-int run(QApplication& application) {
+int run() {
     const Environment environment = ProcessSurroundings::ofThisProcess().environment;
     const QDBusConnection sessionBus = QDBusConnection::sessionBus();
     const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
@@ -42,14 +41,13 @@ int run(QApplication& application) {
 
 int main(int count, char** words) {
     resetSignals();
-    QApplication application(count, words);
+    const QApplication application(count, words);
     QApplication::setApplicationName("marrowbox");
     QApplication::setApplicationDisplayName("Marrowbox");
     QApplication::setDesktopFileName("net.marrowbox.Marrowbox");
     QApplication::setQuitOnLastWindowClosed(false);
-    QQuickStyle::setStyle("Basic");
     try {
-        return run(application);
+        return run();
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "Marrowbox cannot start: %s\n", failure.what());
         return 1;

@@ -31,6 +31,18 @@ T.ApplicationWindow {
         screens: root.screens
     }
 
+    // The settings of a backup are a sheet like the others.
+    Connections {
+        target: root.model.unitPage
+
+        function onOpenedChanged() {
+            if (!root.model.unitPage.showsOptions)
+                return;
+            root.model.unitPage.showsOptions = false;
+            root.screens.editUnit(root.model.unitPage.unitID);
+        }
+    }
+
     Component {
         id: welcome
 

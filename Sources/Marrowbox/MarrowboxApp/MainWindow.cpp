@@ -34,8 +34,8 @@ MainWindow::MainWindow(std::shared_ptr<AppStore> store, Quitting& quitting)
     : models_(std::make_unique<Models>(store)), engine_(std::make_unique<QQmlApplicationEngine>()) {
     qml_register_types_Marrowbox_MarrowboxApp();
     installAppearance(*engine_);
-    installContentView(*engine_);
-    installSetupViews(*engine_);
+    installContentView();
+    installSetupViews();
     engine_->setInitialProperties({{"model", QVariant::fromValue(&models_->window)},
                                    {"screens", QVariant::fromValue(&models_->screens)},
                                    {"quitting", QVariant::fromValue(&quitting)}});

@@ -16,7 +16,6 @@ namespace marrowbox {
 
 /// The one window, with the view models behind it. Closing it leaves the program running. On the main thread.
 class MainWindow : public QObject {
-    Q_OBJECT
   public:
     /// Loads the screens; shows nothing yet. The quitting outlives the window.
     MainWindow(std::shared_ptr<AppStore> store, Quitting& quitting);

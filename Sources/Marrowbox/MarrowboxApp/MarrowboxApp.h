@@ -21,7 +21,6 @@ namespace marrowbox {
 /// The program: all that lives as long as it does, in the order in which one needs the other. On the main
 /// thread, which turns a Qt event loop.
 class MarrowboxApp : public QObject {
-    Q_OBJECT
   public:
     MarrowboxApp(QDBusConnection sessionBus, QDBusConnection systemBus, const Environment& environment);
     ~MarrowboxApp() override;
