@@ -59,6 +59,7 @@ DesktopAppearance::DesktopAppearance(QDBusConnection sessionBus,
                                      std::function<void(AppearancePreferences)> changed,
                                      std::chrono::milliseconds patience)
     : bus_(std::move(sessionBus)) {
+    qRegisterMetaType<QDBusVariant>(); // the bus library finds the slot by the names of its types
     bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                  SLOT(settingChanged(QString, QString, QDBusVariant)));
     if (!take(bus_.call(question(), QDBus::Block, static_cast<int>(patience.count()))))

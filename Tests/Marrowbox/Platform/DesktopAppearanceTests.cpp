@@ -96,11 +96,21 @@ TEST_F(Portals, tellOfChanges) {
     portal.change(common, "color-scheme", 1U);
     portal.change("org.example", "color-scheme", 2U);
     portal.change(gnome, "enable-animations", true);
-    EXPECT_TRUE(turnUntil([&] { return heard.size() >= 2; }));
+    ASSERT_TRUE(turnUntil([&] { return heard.size() >= 2; }));
     EXPECT_THAT(heard, testing::ElementsAre(
                            AppearancePreferences{.colorScheme = ColorScheme::dark, .reducesMotion = true},
                            AppearancePreferences{.colorScheme = ColorScheme::dark}));
     EXPECT_EQ(appearance.preferences(), heard.back());
+}
+
+TEST_F(Portals, areHeardWhenTheyStartLaterThanTheProgram) {
+    std::vector<AppearancePreferences> heard;
+    const DesktopAppearance appearance(
+        bus.connect(), [&](AppearancePreferences now) { heard.push_back(now); }, plenty);
+    start();
+    portal.change(common, "color-scheme", 1U);
+    ASSERT_TRUE(turnUntil([&] { return !heard.empty(); }));
+    EXPECT_EQ(heard.back(), AppearancePreferences{.colorScheme = ColorScheme::dark});
 }
 
 TEST_F(Portals, mayAnswerLate) {
