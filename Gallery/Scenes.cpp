@@ -2,6 +2,9 @@
 
 #include "Marrowbox/Appearance/SymbolProvider.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace marrowbox::gallery {
 
 namespace {
@@ -31,7 +34,9 @@ std::vector<Scene> controlScenes() {
 }
 
 std::vector<Scene> allScenes() {
-    return controlScenes();
+    std::vector<Scene> scenes = controlScenes();
+    std::ranges::move(contentScenes(), std::back_inserter(scenes));
+    return scenes;
 }
 
 } // namespace marrowbox::gallery

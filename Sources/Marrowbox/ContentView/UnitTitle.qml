@@ -48,7 +48,7 @@ ColumnLayout {
         }
 
         SettingsGear {
-            onClicked: root.model.showsOptions = true
+            onClicked: root.model.openOptions()
         }
     }
 
