@@ -3,6 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import QtQuick.Window
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // All that the main window holds but the sheets: the sidebar, and the page of the selected backup or else the welcome, which
 // another family of screens brings.

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // Whose backup this is, its name, and in one sentence how it stands.
 ColumnLayout {
