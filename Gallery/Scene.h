@@ -27,6 +27,9 @@ std::vector<Scene> controlScenes();
 /// The main window and the page of a backup.
 std::vector<Scene> contentScenes();
 
+/// The welcome screen and the sheets.
+std::vector<Scene> setupScenes();
+
 /// Every scene. A family of screens adds a function of its own, like the one above.
 std::vector<Scene> allScenes();
 

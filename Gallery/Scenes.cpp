@@ -2,9 +2,6 @@
 
 #include "Marrowbox/Appearance/SymbolProvider.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace marrowbox::gallery {
 
 namespace {
@@ -35,7 +32,8 @@ std::vector<Scene> controlScenes() {
 
 std::vector<Scene> allScenes() {
     std::vector<Scene> scenes = controlScenes();
-    std::ranges::move(contentScenes(), std::back_inserter(scenes));
+    for (const auto& family : {contentScenes(), setupScenes()})
+        scenes.insert(scenes.end(), family.begin(), family.end());
     return scenes;
 }
 

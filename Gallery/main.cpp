@@ -3,8 +3,6 @@
 // shown or makes QML warn.
 #include "Gallery/Photographer.h"
 
-#include "Marrowbox/ContentView/InstallContentView.h"
-
 #include <QDir>
 #include <QGuiApplication>
 #include <QTextStream>
@@ -41,7 +39,6 @@ bool take(const Scene& scene, Light light, const QDir& folder) {
 
 int main(int count, char** values) {
     const QGuiApplication application(count, values);
-    marrowbox::installContentView();
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 2)
         return 2;

@@ -44,7 +44,7 @@ Item {
 
         Sidebar {
             T.SplitView.minimumWidth: Appearance.leastSidebarWidth
-            T.SplitView.preferredWidth: Appearance.sidebarWidth
+            T.SplitView.preferredWidth: root.width < Appearance.windowSize.width ? Appearance.leastSidebarWidth : Appearance.sidebarWidth
             T.SplitView.maximumWidth: Appearance.mostSidebarWidth
             units: root.model.units
             menuButton: root.menuButton
