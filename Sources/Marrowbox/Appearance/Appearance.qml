@@ -115,9 +115,9 @@ QtObject {
 
     // Lists of a backup's page
     readonly property int historyRowHeight: 60
-    readonly property int emailWidth: 150
-    readonly property int sizesWidth: 132
-    readonly property int rowActionsWidth: 84
+    readonly property int emailWidth: 128
+    readonly property int sizesWidth: 120
+    readonly property int rowActionsWidth: 60
     readonly property int mostActivityHeight: 400
 
     // Opacities

@@ -1,5 +1,6 @@
 import QtQuick
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // The runs of a backup. A long list scrolls in itself, so that what follows it stays within reach.
 RowList {

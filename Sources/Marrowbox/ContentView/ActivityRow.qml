@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // One run: when, how it ended, what it had to say, and its mail.
 T.Control {

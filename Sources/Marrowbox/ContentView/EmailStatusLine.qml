@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // What became of the mail of a run.
 RowLayout {
@@ -29,11 +30,6 @@ RowLayout {
         id: hover
     }
 
-    HelpTip {
-        text: root.fullText
-        shown: hover.hovered && (root.fullText !== root.text || words.truncated)
-    }
-
     Icon {
         name: root.icon
         side: Appearance.smallIcon
@@ -47,5 +43,10 @@ RowLayout {
         text: root.text
         font: root.compact ? Appearance.compact : Appearance.small
         color: root.ink
+
+        HelpTip {
+            text: root.fullText
+            shown: hover.hovered && (root.fullText !== root.text || words.truncated)
+        }
     }
 }

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // What stands above the rows of a history, or in their place.
 ColumnLayout {

@@ -1,5 +1,6 @@
 import QtQuick
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // The rows of a history that are in sight. It does not scroll by itself: it shows what lies at its place.
 RowList {

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // One snapshot: when, what changed, its mail, its size, and what can be done with it.
 T.Control {
@@ -58,16 +59,31 @@ T.Control {
     }
 
     contentItem: RowLayout {
-        spacing: Appearance.mediumGap
+        spacing: Appearance.gap
 
         ColumnLayout {
             Layout.fillWidth: true
             spacing: Appearance.tinyGap
 
-            Words {
+            RowLayout {
                 Layout.fillWidth: true
-                text: root.dateText
-                font: Appearance.strong
+                spacing: Appearance.smallGap
+
+                Words {
+                    text: root.dateText
+                    font: Appearance.strong
+                }
+
+                Icon {
+                    name: root.isMounted ? "checkmark.circle.fill" : ""
+                    color: Appearance.success
+                    Accessible.role: Accessible.Graphic
+                    Accessible.name: qsTr("Mounted")
+                }
+
+                Item {
+                    Layout.fillWidth: true
+                }
             }
 
             Words {
@@ -79,8 +95,8 @@ T.Control {
         }
 
         EmailStatusLine {
-            Layout.maximumWidth: Appearance.emailWidth
-            visible: text !== ""
+            Layout.preferredWidth: Appearance.emailWidth
+            Layout.fillWidth: false
             compact: true
             text: root.emailShortText
             fullText: root.emailText
@@ -90,6 +106,7 @@ T.Control {
 
         SnapshotSizes {
             Layout.preferredWidth: Appearance.sizesWidth
+            Layout.fillWidth: false
             visible: root.dataSize !== ""
             dataSize: root.dataSize
             fullSize: root.fullSize
@@ -102,13 +119,6 @@ T.Control {
 
             Item {
                 Layout.fillWidth: true
-            }
-
-            Icon {
-                name: root.isMounted ? "checkmark.circle.fill" : ""
-                color: Appearance.success
-                Accessible.role: Accessible.Graphic
-                Accessible.name: qsTr("Mounted")
             }
 
             IconButton {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // One fact about a backup. With a link it is a button.
 PressCard {
@@ -9,7 +10,7 @@ PressCard {
     required property string title
     required property string value
     required property string detail
-    required property string icon
+    required property string symbol
     property string link: ""
     readonly property bool opens: link !== ""
 
@@ -20,6 +21,7 @@ PressCard {
     Layout.preferredWidth: 1
     enabled: opens
     padding: Appearance.mediumGap
+    font: Appearance.body
     help: opens ? qsTr("Open in Google Drive") : ""
     disabledReason: detail
     spokenName: qsTr("%1: %2").arg(title).arg(value)
@@ -35,7 +37,7 @@ PressCard {
             spacing: Appearance.smallGap
 
             Icon {
-                name: root.icon
+                name: root.symbol
                 color: root.accent.ink
             }
 

@@ -3,19 +3,27 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import QtQuick.Window
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
-// All that the main window holds: the sidebar, the page of the selected backup, and what lies over them. What other families
-// of screens bring stands in slots: the welcome, and the sheets, each of which opens itself and closes with its signal.
+// All that the main window holds but the sheets: the sidebar, and the page of the selected backup or else the welcome, which
+// another family of screens brings.
 Item {
     id: root
 
     required property MainWindowModel model
     property Component welcome
-    property Component newBackupSheet
-    property Component settingsSheet
-    property Component unitSettingsSheet
     property Component menuButton
     readonly property bool isSeen: Window.visibility !== Window.Hidden && Window.visibility !== Window.Minimized
+
+    signal unitSettingsWanted(string unitID)
+
+    Connections {
+        target: root.model.unitPage
+
+        function onOptionsWanted(unitID) {
+            root.unitSettingsWanted(unitID);
+        }
+    }
 
     Binding {
         target: AppearanceState
@@ -36,7 +44,7 @@ Item {
 
         Sidebar {
             T.SplitView.minimumWidth: Appearance.leastSidebarWidth
-            T.SplitView.preferredWidth: Appearance.sidebarWidth
+            T.SplitView.preferredWidth: root.width < Appearance.windowSize.width ? Appearance.leastSidebarWidth : Appearance.sidebarWidth
             T.SplitView.maximumWidth: Appearance.mostSidebarWidth
             units: root.model.units
             menuButton: root.menuButton
@@ -72,24 +80,6 @@ Item {
         UnitView {
             model: root.model.unitPage
         }
-    }
-
-    SheetSlot {
-        shown: root.model.showsNewUnit
-        sheet: root.newBackupSheet
-        onClosed: root.model.showsNewUnit = false
-    }
-
-    SheetSlot {
-        shown: root.model.showsSettings
-        sheet: root.settingsSheet
-        onClosed: root.model.showsSettings = false
-    }
-
-    SheetSlot {
-        shown: root.model.unitPage.showsOptions
-        sheet: root.unitSettingsSheet
-        onClosed: root.model.unitPage.showsOptions = false
     }
 
     Question {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // The backups, the way to a new one, and the settings.
 Rectangle {
@@ -80,13 +81,14 @@ Rectangle {
             delegate: ListRow {
                 required property int index
                 required property string name
-                required property string icon
+                required property string sourceIcon
                 required property string stopNote
+                required theme
 
                 width: list.width
                 focusPolicy: Qt.NoFocus
                 title: name
-                symbol: icon
+                symbol: sourceIcon
                 subtitle: stopNote
                 subtitleTone: Tone.Warning
                 selected: index === root.units.selectedRow

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // What a backup takes on its disk.
 Card {
@@ -22,11 +23,6 @@ Card {
         id: hover
     }
 
-    HelpTip {
-        text: root.help
-        shown: hover.hovered
-    }
-
     Eyebrow {
         Layout.fillWidth: true
         text: root.title
@@ -36,6 +32,11 @@ Card {
         Layout.fillWidth: true
         text: root.size
         font: Appearance.heading
+
+        HelpTip {
+            text: root.help
+            shown: hover.hovered
+        }
     }
 
     Words {

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // From where, to where and when; and what it takes.
 ColumnLayout {
@@ -19,7 +20,7 @@ ColumnLayout {
             title: qsTr("ORIGIN")
             value: root.page.origin
             detail: root.page.originDetail
-            icon: root.page.originIcon
+            symbol: root.page.originIcon
             link: root.page.originLink
             onOpened: root.model.openOrigin()
         }
@@ -28,14 +29,14 @@ ColumnLayout {
             title: qsTr("DESTINATION")
             value: root.page.destination
             detail: root.page.destinationDetail
-            icon: "externaldrive"
+            symbol: "externaldrive"
         }
 
         InfoCell {
             title: qsTr("SCHEDULE")
             value: root.page.schedule
             detail: root.page.scheduleDetail
-            icon: "clock"
+            symbol: "clock"
         }
     }
 

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // What stands below the history: recent runs, and the way to remove the backup.
 ColumnLayout {

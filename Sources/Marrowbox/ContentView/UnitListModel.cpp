@@ -49,7 +49,7 @@ void UnitListModel::followSelection() {
 }
 
 QHash<int, QByteArray> UnitListModel::roleNames() const {
-    return {{name, "name"}, {icon, "icon"}, {theme, "theme"}, {stopNote, "stopNote"}};
+    return {{name, "name"}, {icon, "sourceIcon"}, {theme, "theme"}, {stopNote, "stopNote"}};
 }
 
 QVariant UnitListModel::data(const QModelIndex& index, int role) const {

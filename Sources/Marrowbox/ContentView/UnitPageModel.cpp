@@ -105,16 +105,12 @@ void UnitPageModel::open(Opened opened) {
         emit openedChanged();
 }
 
-void UnitPageModel::setShowsOptions(bool shown) {
-    open({.options = shown, .removeQuestion = opened_.removeQuestion, .activity = opened_.activity});
-}
-
 void UnitPageModel::setConfirmsRemove(bool shown) {
-    open({.options = opened_.options, .removeQuestion = shown, .activity = opened_.activity});
+    open({.removeQuestion = shown, .activity = opened_.activity});
 }
 
 void UnitPageModel::setShowsActivity(bool shown) {
-    open({.options = opened_.options, .removeQuestion = opened_.removeQuestion, .activity = shown});
+    open({.removeQuestion = opened_.removeQuestion, .activity = shown});
 }
 
 void UnitPageModel::reconnect() {
@@ -144,6 +140,11 @@ void UnitPageModel::explore() {
 void UnitPageModel::openOrigin() {
     if (!page_.originLink.isEmpty())
         store_->surroundings().desktop.openPage(page_.originLink.toStdString());
+}
+
+void UnitPageModel::openOptions() {
+    if (hasUnit())
+        emit optionsWanted(unitID());
 }
 
 void UnitPageModel::remove() {

@@ -26,7 +26,6 @@ class UnitPageModel : public QObject {
     Q_PROPERTY(int progressTotal READ progressTotal NOTIFY progressChanged)
     Q_PROPERTY(marrowbox::HistoryModel* history READ history CONSTANT)
     Q_PROPERTY(marrowbox::ActivityModel* activity READ activity CONSTANT)
-    Q_PROPERTY(bool showsOptions READ showsOptions WRITE setShowsOptions NOTIFY openedChanged)
     Q_PROPERTY(bool confirmsRemove READ confirmsRemove WRITE setConfirmsRemove NOTIFY openedChanged)
     Q_PROPERTY(bool showsActivity READ showsActivity WRITE setShowsActivity NOTIFY openedChanged)
 
@@ -46,8 +45,6 @@ class UnitPageModel : public QObject {
     ActivityModel* activity() { return &activity_; }
 
     // What the user has opened.
-    bool showsOptions() const { return opened_.options; }
-    void setShowsOptions(bool shown);
     bool confirmsRemove() const { return opened_.removeQuestion; }
     void setConfirmsRemove(bool shown);
     bool showsActivity() const { return opened_.activity; }
@@ -62,6 +59,8 @@ class UnitPageModel : public QObject {
     /// The newest snapshot.
     Q_INVOKABLE void explore();
     Q_INVOKABLE void openOrigin();
+    /// Asks for the settings of the unit.
+    Q_INVOKABLE void openOptions();
     /// Without asking.
     Q_INVOKABLE void remove();
 
@@ -70,10 +69,10 @@ class UnitPageModel : public QObject {
     void pageChanged();
     void progressChanged();
     void openedChanged();
+    void optionsWanted(const QString& unitID);
 
   private:
     struct Opened {
-        bool options = false;
         bool removeQuestion = false;
         bool activity = false;
 

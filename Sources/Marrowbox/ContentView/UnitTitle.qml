@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // Whose backup this is, its name, and in one sentence how it stands.
 ColumnLayout {
@@ -48,7 +49,7 @@ ColumnLayout {
         }
 
         SettingsGear {
-            onClicked: root.model.showsOptions = true
+            onClicked: root.model.openOptions()
         }
     }
 

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import QtQuick.Window
 import Marrowbox.Appearance
+import Marrowbox.ContentView
 
 // The page of a backup. Its history may be of any length, so the page scrolls as a whole while only those rows exist that are
 // in sight: the list of rows is as high as the view, and moves through the page with it.

@@ -274,12 +274,41 @@ TEST(UnitPage, closesWhatWasOpenedWhenAnotherUnitIsSelected) {
     world.write(configuration);
     AppStore& store = world.start();
     UnitPageModel model(world.store);
-    model.setShowsOptions(true);
     model.setConfirmsRemove(true);
     model.setShowsActivity(true);
     store.select(world.unit(1).id);
     EXPECT_EQ(text(model.page().name), "Photos");
-    EXPECT_FALSE(model.showsOptions() || model.confirmsRemove() || model.showsActivity());
+    EXPECT_FALSE(model.confirmsRemove() || model.showsActivity());
+}
+
+TEST(UnitPage, asksForTheSettingsOfItsUnitByName) {
+    PageWorld world;
+    UnitPageModel model(world.store);
+    std::vector<std::string> wanted;
+    QObject::connect(&model, &UnitPageModel::optionsWanted,
+                     [&](const QString& id) { wanted.push_back(text(id)); });
+    model.openOptions();
+    EXPECT_THAT(wanted, testing::ElementsAre(world.unit().id.text()));
+}
+
+TEST(UnitPage, doesNotCallAHistoryEmptyBeforeItHasBeenRead) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units.push_back(test::dailyUnit(world, "Photos"));
+    world.write(configuration);
+    AppStore& store = world.start();
+    store.run(world.unit(), 0);
+    world.time.settle();
+    store.select(world.unit(1).id);
+    world.time.settle();
+    UnitPageModel model(world.store);
+    EXPECT_FALSE(model.page().isReading);
+    store.select(world.unit(0).id);
+    EXPECT_TRUE(model.page().isReading);
+    EXPECT_TRUE(model.page().keepsStorageRoom) << "the unit has run, so its sizes are likely to come";
+    world.time.settle();
+    EXPECT_FALSE(model.page().isReading);
+    EXPECT_EQ(text(model.page().totalSize), "9 bytes");
 }
 
 TEST(UnitPage, removesTheUnitAndThenShowsTheNextOrNone) {
