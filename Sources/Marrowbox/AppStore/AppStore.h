@@ -140,6 +140,8 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     /// Shows another unit, with nothing of its history yet; false when it is shown already.
     bool moveSelection(std::optional<Uuid> unitID);
     void publishHistory(History history, std::optional<std::string> issue);
+    class HistoryReading;
+    asio::awaitable<void> readSelectedHistory(std::unique_ptr<HistoryReading> reading);
     asio::awaitable<void> mount(Snapshot snapshot, SyncUnit unit, std::stop_token stop);
     void publishMountResult(std::optional<std::string> issue);
     asio::awaitable<void> openValidated(Uuid id);
@@ -177,6 +179,7 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     std::optional<std::stop_source> backupTask_;
     std::optional<std::stop_source> signInTask_;
     std::optional<std::stop_source> exploreTask_;
+    int historyReaders_ = 0;
     bool processingEmail_ = false;
     bool isChoosing_ = false; ///< The user looks at a chooser of files or folders.
     bool isSynchronizing_ = false;

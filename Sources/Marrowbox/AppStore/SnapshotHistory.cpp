@@ -12,6 +12,30 @@ struct AppStore::History {
     BackupStorageUsage storageUsage;
 };
 
+/// Tells, while it lives, that the history is being read. The work that holds it keeps the store alive.
+class AppStore::HistoryReading {
+  public:
+    explicit HistoryReading(AppStore& store) : store_(store) {
+        ++store_.historyReaders_;
+        tell();
+    }
+    HistoryReading(const HistoryReading&) = delete;
+    HistoryReading& operator=(const HistoryReading&) = delete;
+    ~HistoryReading() {
+        --store_.historyReaders_;
+        tell();
+    }
+
+  private:
+    void tell() {
+        const bool isReading = store_.historyReaders_ > 0;
+        if (isReading != *store_.state_.isReadingHistory)
+            store_.state_.isReadingHistory.set(isReading);
+    }
+
+    AppStore& store_;
+};
+
 AppStore::History AppStore::readHistory(const fs::path& destination, const Uuid& unitID) {
     std::vector<Snapshot> snapshots = BackupRepository(destination, unitID).snapshots();
     const BackupStorageUsage usage = BackupStorageUsage::measure(snapshots);
@@ -37,8 +61,12 @@ bool AppStore::moveSelection(std::optional<Uuid> unitID) {
 }
 
 void AppStore::select(std::optional<Uuid> unitID) {
-    if (moveSelection(unitID))
-        reloadSnapshots();
+    if (unitID == *state_.selectedUnitID)
+        return;
+    // Begun first, so that nobody takes the new unit's history for empty before it has been read.
+    asio::awaitable<void> refreshing = refreshSnapshots();
+    moveSelection(unitID);
+    spawn(std::move(refreshing));
 }
 
 void AppStore::reloadSnapshots() {
@@ -46,6 +74,10 @@ void AppStore::reloadSnapshots() {
 }
 
 asio::awaitable<void> AppStore::refreshSnapshots() {
+    return readSelectedHistory(std::make_unique<HistoryReading>(*this));
+}
+
+asio::awaitable<void> AppStore::readSelectedHistory(std::unique_ptr<HistoryReading>) {
     const SyncUnit* const selected = state_.selectedUnit();
     if (!selected) {
         publishHistory({}, std::nullopt);
