@@ -1,6 +1,9 @@
 #include "Gallery/ContentWorld.h"
 #include "Gallery/Scene.h"
 
+#include <QCoreApplication>
+#include <QTranslator>
+
 #include <algorithm>
 #include <iterator>
 
@@ -12,6 +15,19 @@ constexpr QSize least(880, 640);
 constexpr QSize tall(1060, 1720);
 constexpr QSize large(3840, 2160);
 constexpr std::size_t usual = 9;
+
+/// A language whose every text is three tenths longer. It is spoken for as long as its parent lives.
+class LongerWords : public QTranslator {
+  public:
+    explicit LongerWords(QObject* parent) : QTranslator(parent) { QCoreApplication::installTranslator(this); }
+
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* source, const char*, int) const override {
+        const QString text = QString::fromUtf8(source);
+        const QString words = QStringLiteral(" eller nogle flere ord om det samme og lidt til bagefter");
+        return text + words.left(text.size() * 3 / 10);
+    }
+};
 
 using Script = std::function<void(ContentWorld&)>;
 
@@ -55,6 +71,12 @@ void colour(ContentWorld& world) {
         [](AppConfiguration& current) { current.units.front().theme = AccentTheme::sunshine; });
 }
 
+void translated(ContentWorld& world) {
+    new LongerWords(&world);
+    used(disconnect)(world);
+    world.window().unitPage()->setShowsActivity(true);
+}
+
 std::vector<Scene> pageScenes() {
     return {
         scene("nothing", [](ContentWorld& world) { world.begin({}); }),
@@ -64,6 +86,8 @@ std::vector<Scene> pageScenes() {
         scene("idle-tall", used(), tall),
         scene("idle-4k", used(), large),
         scene("sunshine", used(colour)),
+        scene("longer-words", translated, least),
+        scene("longer-words-tall", translated, tall),
         scene("long-names", used(rename), least),
         scene("long-history",
               [](ContentWorld& world) {

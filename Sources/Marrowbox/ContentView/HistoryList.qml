@@ -32,5 +32,30 @@ RowList {
         history: root.model
         isExploring: root.isExploring
         isLast: index === root.count - 1
+        onMenuWanted: button => menu.openFor(snapshotID, button)
+    }
+
+    // One for all rows, since a row has to be made quickly.
+    ActionMenu {
+        id: menu
+
+        property string snapshotID
+
+        function openFor(wanted: string, button: Item) {
+            snapshotID = wanted;
+            popup(button, button.width - implicitWidth, button.height + Appearance.tinyGap);
+        }
+
+        ActionMenuItem {
+            text: root.model.mountTitle
+            symbol: "externaldrive"
+            onTriggered: root.model.mount(menu.snapshotID)
+        }
+
+        ActionMenuItem {
+            text: qsTr("Restore to a folder…")
+            symbol: "arrow.down.to.folder"
+            onTriggered: root.model.restore(menu.snapshotID)
+        }
     }
 }

@@ -42,11 +42,17 @@ QString HistoryModel::mountTitle() {
 }
 
 QHash<int, QByteArray> HistoryModel::roleNames() const {
-    return {{dateText, "dateText"},   {summary, "summary"},
-            {emailText, "emailText"}, {emailShortText, "emailShortText"},
-            {emailIcon, "emailIcon"}, {emailTone, "emailTone"},
-            {dataSize, "dataSize"},   {fullSize, "fullSize"},
-            {isMounted, "isMounted"}, {spokenName, "spokenName"}};
+    return {{snapshotID, "snapshotID"},
+            {dateText, "dateText"},
+            {summary, "summary"},
+            {emailText, "emailText"},
+            {emailShortText, "emailShortText"},
+            {emailIcon, "emailIcon"},
+            {emailTone, "emailTone"},
+            {dataSize, "dataSize"},
+            {fullSize, "fullSize"},
+            {isMounted, "isMounted"},
+            {spokenName, "spokenName"}};
 }
 
 const Snapshot* HistoryModel::at(const QModelIndex& index) const {
@@ -57,11 +63,19 @@ const Snapshot* HistoryModel::at(const QModelIndex& index) const {
     return found == byID_.end() ? nullptr : found->second;
 }
 
+const Snapshot* HistoryModel::withID(const QString& id) const {
+    const auto parsed = Uuid::parse(id.toStdString());
+    const auto found = parsed ? byID_.find(*parsed) : byID_.end();
+    return found == byID_.end() ? nullptr : found->second;
+}
+
 QVariant HistoryModel::data(const QModelIndex& index, int role) const {
     const Snapshot* const snapshot = at(index);
     if (!snapshot)
         return {};
     switch (role) {
+    case snapshotID:
+        return QString::fromStdString(snapshot->id.text());
     case dateText:
         return date(*snapshot);
     case summary:
@@ -129,18 +143,18 @@ QString HistoryModel::spoken(const Snapshot& snapshot) const {
     return parts.join(QStringLiteral(", "));
 }
 
-void HistoryModel::mount(int row) {
-    if (const Snapshot* const snapshot = at(index(row)))
+void HistoryModel::mount(const QString& id) {
+    if (const Snapshot* const snapshot = withID(id))
         store_->explore(*snapshot);
 }
 
-void HistoryModel::restore(int row) {
-    if (const Snapshot* const snapshot = at(index(row)))
+void HistoryModel::restore(const QString& id) {
+    if (const Snapshot* const snapshot = withID(id))
         store_->restore(*snapshot);
 }
 
-void HistoryModel::eject(int row) {
-    if (const Snapshot* const snapshot = at(index(row)))
+void HistoryModel::eject(const QString& id) {
+    if (const Snapshot* const snapshot = withID(id))
         store_->eject(snapshot->id);
 }
 

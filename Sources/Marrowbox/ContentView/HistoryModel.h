@@ -19,7 +19,8 @@ class HistoryModel : public IdentifiedRows {
 
   public:
     enum Role {
-        dateText = Qt::UserRole,
+        snapshotID = Qt::UserRole, ///< What the actions of a row take.
+        dateText,
         summary,
         emailText, ///< Empty, as all of the email, when no record tells of the run.
         emailShortText,
@@ -39,14 +40,16 @@ class HistoryModel : public IdentifiedRows {
     QHash<int, QByteArray> roleNames() const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
-    // What the rows offer. A row that is gone does nothing.
-    Q_INVOKABLE void mount(int row);
-    Q_INVOKABLE void restore(int row);
-    Q_INVOKABLE void eject(int row);
+    // What the rows offer, by the snapshot, since a row may move while its menu is open. A snapshot that is
+    // gone does nothing.
+    Q_INVOKABLE void mount(const QString& id);
+    Q_INVOKABLE void restore(const QString& id);
+    Q_INVOKABLE void eject(const QString& id);
 
   private:
     void refresh();
     const Snapshot* at(const QModelIndex& index) const;
+    const Snapshot* withID(const QString& id) const;
     QVariant email(const Snapshot& snapshot, int role) const;
     QString size(const Snapshot& snapshot, int role) const;
     QString spoken(const Snapshot& snapshot) const;

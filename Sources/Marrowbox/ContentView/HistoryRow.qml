@@ -9,6 +9,7 @@ T.Control {
     id: root
 
     required property int index
+    required property string snapshotID
     required property string dateText
     required property string summary
     required property string emailShortText
@@ -24,13 +25,16 @@ T.Control {
     property bool isLast
     readonly property int buttonFocus: ListView.isCurrentItem ? Qt.TabFocus : Qt.NoFocus
 
+    /// The menu of this row is wanted below the button.
+    signal menuWanted(Item button)
+
     hoverEnabled: true
     leftPadding: Appearance.gap
     rightPadding: Appearance.smallGap
-    Keys.onReturnPressed: menu.press()
-    Keys.onEnterPressed: menu.press()
-    Keys.onSpacePressed: menu.press()
-    Keys.onMenuPressed: menu.press()
+    Keys.onReturnPressed: menuButton.press()
+    Keys.onEnterPressed: menuButton.press()
+    Keys.onSpacePressed: menuButton.press()
+    Keys.onMenuPressed: menuButton.press()
 
     Accessible.role: Accessible.ListItem
     Accessible.name: spokenName
@@ -121,33 +125,27 @@ T.Control {
                 Layout.fillWidth: true
             }
 
-            IconButton {
-                visible: root.isMounted
-                focusPolicy: root.buttonFocus
-                symbol: "eject"
-                help: qsTr("Eject snapshot")
-                onClicked: root.history.eject(root.index)
+            Loader {
+                active: root.isMounted
+                visible: active
+                sourceComponent: IconButton {
+                    focusPolicy: root.buttonFocus
+                    symbol: "eject"
+                    help: qsTr("Eject snapshot")
+                    onClicked: root.history.eject(root.snapshotID)
+                }
             }
 
-            MenuButton {
-                id: menu
+            IconButton {
+                id: menuButton
 
                 focusPolicy: root.buttonFocus
                 enabled: !root.isExploring
                 disabledReason: qsTr("Another snapshot is being prepared or restored.")
+                symbol: "ellipsis"
                 help: qsTr("Snapshot actions")
-
-                ActionMenuItem {
-                    text: root.history.mountTitle
-                    symbol: "externaldrive"
-                    onTriggered: root.history.mount(root.index)
-                }
-
-                ActionMenuItem {
-                    text: qsTr("Restore to a folder…")
-                    symbol: "arrow.down.to.folder"
-                    onTriggered: root.history.restore(root.index)
-                }
+                Accessible.role: Accessible.ButtonMenu
+                onClicked: root.menuWanted(menuButton)
             }
         }
     }

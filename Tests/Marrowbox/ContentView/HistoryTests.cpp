@@ -145,25 +145,26 @@ TEST(History, mountsEjectsAndRestoresTheSnapshotOfARow) {
     world.time.settle();
     HistoryModel& history = *world.model->history();
     EXPECT_FALSE(history.index(0).data(HistoryModel::isMounted).toBool());
-    history.mount(0);
+    const QString first = QString::fromStdString(world.say(0, HistoryModel::snapshotID));
+    history.mount(first);
     EXPECT_TRUE(world.model->page().isExploring);
     world.time.advance(1);
     EXPECT_EQ(world.model->page().isExploring, false);
     ASSERT_TRUE(history.index(0).data(HistoryModel::isMounted).toBool())
         << world.state().mountIssue->value_or("");
     EXPECT_TRUE(QString::fromStdString(world.say(0, HistoryModel::spokenName)).endsWith(", Mounted"));
-    history.eject(0);
+    history.eject(first);
     world.time.advance(2);
     EXPECT_FALSE(history.index(0).data(HistoryModel::isMounted).toBool());
     world.desktop.choose(world.home / "Chosen");
     fs::create_directory(world.home / "Chosen");
-    history.restore(0);
+    history.restore(first);
     world.time.advance(1);
     EXPECT_EQ(world.error(), "");
     EXPECT_FALSE(fs::is_empty(world.home / "Chosen"));
-    history.mount(12);
-    history.eject(12);
-    history.restore(-1);
+    history.mount("12");
+    history.eject(QString());
+    history.restore(QString::fromStdString(Uuid::random().text()));
 }
 
 TEST(Activity, tellsOfEachRunOfTheUnitHowItEnded) {
