@@ -4,7 +4,6 @@
 #include "Repository/BackupRepository.h"
 
 #include <algorithm>
-#include <boost/asio/post.hpp>
 
 namespace marrowbox {
 
@@ -21,20 +20,25 @@ AppStore::History AppStore::readHistory(const fs::path& destination, const Uuid&
 }
 
 void AppStore::publishHistory(History history, std::optional<std::string> issue) {
-    // A long history has millions of entries; the last to let go of it spends the time that this takes.
     SnapshotList old = *state_.snapshots;
     state_.snapshots.set(std::move(history.snapshots));
-    asio::post(around_.pool, [old = std::move(old)] {});
+    letGoOn(around_.pool, std::move(old));
     state_.storageUsage.set(std::move(history.storageUsage));
     state_.destinationIssue.set(std::move(issue));
 }
 
-void AppStore::select(std::optional<Uuid> unitID) {
+bool AppStore::moveSelection(std::optional<Uuid> unitID) {
     if (unitID == *state_.selectedUnitID)
-        return;
+        return false;
     state_.selectedUnitID.set(unitID);
+    // Nobody may take the snapshots of one unit for those of another while these are being read.
     publishHistory({}, std::nullopt);
-    reloadSnapshots();
+    return true;
+}
+
+void AppStore::select(std::optional<Uuid> unitID) {
+    if (moveSelection(unitID))
+        reloadSnapshots();
 }
 
 void AppStore::reloadSnapshots() {
@@ -48,6 +52,7 @@ asio::awaitable<void> AppStore::refreshSnapshots() {
         co_return;
     }
     const SyncUnit unit = *selected;
+    const int refresh = ++refreshes_;
     History history;
     std::optional<std::string> issue;
     try {
@@ -57,9 +62,11 @@ asio::awaitable<void> AppStore::refreshSnapshots() {
     } catch (const std::exception& failure) {
         issue = words(failure);
     }
-    // Whoever has moved on to another unit has another refresh on the way, and must not see these figures.
-    if (*state_.selectedUnitID == unit.id)
+    // Whoever has moved on to another unit must not see these figures, and a later refresh knows better.
+    if (*state_.selectedUnitID == unit.id && refresh == refreshes_)
         publishHistory(std::move(history), std::move(issue));
+    else
+        letGoOn(around_.pool, std::move(history));
 }
 
 } // namespace marrowbox
