@@ -69,7 +69,7 @@ HTTP2Server::HTTP2Server() : port_(freePort()) {
     output_ = Descriptor(ends[0]);
     Descriptor input(ends[1]);
     // By itself it would keep its words to itself until it ends.
-    process_ = start({"stdbuf", "-oL", "nghttpd", "--verbose", "--address=127.0.0.1",
+    process_ = start({"stdbuf", "-oL", "/usr/sbin/nghttpd", "--verbose", "--address=127.0.0.1",
                       "--htdocs=" + folder_.path().string(), std::to_string(port_), key, certificate()},
                      input.number());
     input.close();

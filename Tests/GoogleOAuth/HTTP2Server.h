@@ -10,7 +10,8 @@
 
 namespace marrowbox::test {
 
-/// The nghttpd of the system, which speaks HTTP/2 alone, over TLS with a certificate made for it.
+/// The nghttpd of the system, which lies off the path of ordinary users and speaks HTTP/2 alone, over TLS
+/// with a certificate made for it.
 class HTTP2Server {
   public:
     HTTP2Server();

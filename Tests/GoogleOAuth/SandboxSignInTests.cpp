@@ -74,7 +74,9 @@ class SandboxSignIn : public testing::Test {
 /// Throws requests of every wrong kind at a port until it closes or the sign-in is over.
 void disturb(std::uint16_t port, std::atomic<bool>& isOver) {
     try {
+        LoopbackPeer slow(port);
         while (!isOver) {
+            slow.send("G");
             LoopbackPeer silent(port);
             LoopbackPeer tooLong(port);
             tooLong.send(std::string(16385, 'x'));

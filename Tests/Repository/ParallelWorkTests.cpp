@@ -19,6 +19,19 @@ TEST(ParallelWork, makesEveryCallOnce) {
     }
 }
 
+TEST(ParallelWork, cutsARangeIntoPiecesWithoutAGap) {
+    ParallelWork workers;
+    for (const std::size_t count : {0u, 1u, 4096u, 4097u, 20'000u}) {
+        std::vector<std::atomic<int>> taken(count);
+        EXPECT_FALSE(workers.forEachPiece(count, [&](std::size_t begin, std::size_t end) {
+            for (std::size_t index = begin; index < end; ++index)
+                ++taken[index];
+        }));
+        for (const auto& times : taken)
+            EXPECT_EQ(times, 1);
+    }
+}
+
 TEST(ParallelWork, worksSideBySide) {
     ParallelWork workers;
     // Each call waits for the other, so it ends only when both are under way at the same time.

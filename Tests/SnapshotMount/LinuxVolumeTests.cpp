@@ -6,6 +6,7 @@
 #include "Repository/LockBusyError.h"
 #include "SnapshotMount/ProcessEnd.h"
 #include "Support/Thrown.h"
+#include "TreeState.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -180,6 +181,24 @@ TEST_F(LinuxVolume, keepsItsWorkWhileItsServerDoesNotEnd) {
     ASSERT_EQ(signal(SIGCONT), 0);
     ASSERT_TRUE(test::await(processesEnded(std::move(servers), std::chrono::seconds(60))));
     EXPECT_EQ(reconcile(), nothing);
+    EXPECT_TRUE(world->hasNoWork());
+}
+
+TEST_F(LinuxVolume, whoseMarkerWasSwappedStaysMountedAndUntouched) {
+    const auto mounted = world->mount(*mounts);
+    const fs::path marker = mounted.workingDirectory / ".marrowbox-mount.json";
+    const std::string own = readFile(marker);
+    MountEntry other = world->folder().readMarker(mounted.workingDirectory);
+    other.id = Uuid::random();
+    world->folder().writeMarker(other);
+    const std::string before = test::treeState(world->directory);
+    EXPECT_EQ(refusedEject(mounted), "Mismatched snapshot mount marker was retained.");
+    EXPECT_EQ(reconcile().issue, "Invalid snapshot mount registry entry was retained.");
+    EXPECT_EQ(test::await(mounts->validatedMounted(mounted.id, {})), std::nullopt);
+    EXPECT_EQ(test::treeState(world->directory), before);
+    world->backup.expectWholeSnapshot(mounted.volume);
+    writeAll(openFile(marker, O_WRONLY | O_TRUNC), own);
+    test::await(mounts->unmount(mounted, {}));
     EXPECT_TRUE(world->hasNoWork());
 }
 

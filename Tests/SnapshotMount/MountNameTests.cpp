@@ -1,6 +1,7 @@
 #include "SnapshotMount/FileURL.h"
 #include "SnapshotMount/VolumeName.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 namespace marrowbox {
@@ -34,6 +35,26 @@ TEST(VolumeName, takesTheTimeOfTheSystemsZone) {
     const std::tm fields = systemLocalTime()({instant - referenceDateSince1970 + 0.9});
     EXPECT_EQ(volumeName("A", fields), volumeName("A", expected));
     EXPECT_EQ(fields.tm_sec, expected.tm_sec);
+}
+
+TEST(VolumeName, takesTheZoneThatTheSystemHasNow) {
+    const char* before = std::getenv("TZ");
+    const std::string zone = before != nullptr ? before : "";
+    ::setenv("TZ", "HERE0", 1);
+    const int here = systemLocalTime()({0}).tm_hour;
+    ::setenv("TZ", "THERE-5", 1);
+    const int there = systemLocalTime()({0}).tm_hour;
+    before != nullptr ? ::setenv("TZ", zone.c_str(), 1) : ::unsetenv("TZ");
+    ::tzset();
+    EXPECT_EQ(here, 0);
+    EXPECT_EQ(there, 5);
+}
+
+TEST(VolumeName, isMadeForADateBeyondEveryCalendar) {
+    for (const double seconds : {1e300, -1e300}) {
+        const std::tm fields = systemLocalTime()({seconds});
+        EXPECT_TRUE(fields.tm_mday >= 1 && fields.tm_mday <= 31) << seconds;
+    }
 }
 
 TEST(FileURL, escapesWhatAURLCannotHoldAndReadsItBack) {

@@ -78,4 +78,18 @@ SnapshotMount::Reconciliation MountWorld::unchangingReconcile() {
     return reconciliation;
 }
 
+void MountWorld::expectEveryOperationRefuses(const std::string& words) {
+    const MountEntry entry = newEntry();
+    EXPECT_EQ(refusedUnmount(entry), words);
+    EXPECT_EQ(refusal<BackupError>([&] { run(mounts.mount({.id = entry.id}, {}, "/destination", {})); }),
+              words);
+    const auto reconciliation = unchangingReconcile();
+    EXPECT_EQ(reconciliation.issue, "Snapshot mount recovery was skipped: " + words);
+    EXPECT_FALSE(reconciliation.isAuthoritative);
+    const std::string before = treeState(scratch.path());
+    EXPECT_FALSE(run(mounts.validatedMounted(entry.id, {})));
+    EXPECT_EQ(treeState(scratch.path()), before);
+    EXPECT_TRUE(machine->calls.empty());
+}
+
 } // namespace marrowbox::test

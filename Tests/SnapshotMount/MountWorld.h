@@ -98,6 +98,9 @@ class MountWorld {
     }
     /// A reconciliation that must leave everything on disk as it was.
     SnapshotMount::Reconciliation unchangingReconcile();
+    /// Fails the test unless each public operation refuses with these words (the one that never fails gives
+    /// none), before any tool is asked and with everything on disk as it was.
+    void expectEveryOperationRefuses(const std::string& words);
 };
 
 template <typename Result>

@@ -20,22 +20,6 @@ void writeText(const fs::path& path, std::string_view text) {
     writeAll(openFile(path, O_WRONLY | O_CREAT | O_TRUNC, 0600), text);
 }
 
-/// The words with which each public operation refuses, none of which may change anything on disk.
-void expectEveryOperationRefuses(test::MountWorld& world, const std::string& words) {
-    const MountEntry entry = world.newEntry();
-    EXPECT_EQ(world.refusedUnmount(entry), words);
-    EXPECT_EQ(world.refusal<BackupError>(
-                  [&] { world.run(world.mounts.mount({.id = entry.id}, {}, "/destination", {})); }),
-              words);
-    const auto reconciliation = world.unchangingReconcile();
-    EXPECT_EQ(reconciliation.issue, "Snapshot mount recovery was skipped: " + words);
-    EXPECT_FALSE(reconciliation.isAuthoritative);
-    const std::string before = test::treeState(world.scratch.path());
-    EXPECT_FALSE(world.run(world.mounts.validatedMounted(entry.id, {})));
-    EXPECT_EQ(test::treeState(world.scratch.path()), before);
-    EXPECT_TRUE(world.machine->calls.empty());
-}
-
 } // namespace
 
 TEST(MountRegistry, readsAsEmptyWhereThereIsNoFileAndMakesNone) {
@@ -92,25 +76,25 @@ TEST(MountRegistry, thatIsALinkStopsEveryOperation) {
     test::MountWorld world;
     writeText(world.scratch / "elsewhere.json", R"({"version":1,"entries":[]})");
     fs::create_symlink(world.scratch / "elsewhere.json", world.folder.registryFile());
-    expectEveryOperationRefuses(world, unsafeRegistry);
+    world.expectEveryOperationRefuses(unsafeRegistry);
 }
 
 TEST(MountRegistry, thatIsALinkToNothingStopsEveryOperation) {
     test::MountWorld world;
     fs::create_symlink(world.scratch / "nothing", world.folder.registryFile());
-    expectEveryOperationRefuses(world, unsafeRegistry);
+    world.expectEveryOperationRefuses(unsafeRegistry);
 }
 
 TEST(MountRegistry, thatIsAFolderStopsEveryOperation) {
     test::MountWorld world;
     fs::create_directory(world.folder.registryFile());
-    expectEveryOperationRefuses(world, unsafeRegistry);
+    world.expectEveryOperationRefuses(unsafeRegistry);
 }
 
 TEST(MountRegistry, thatIsAPipeStopsEveryOperationWithoutWaiting) {
     test::MountWorld world;
     ASSERT_EQ(::mkfifo(world.folder.registryFile().c_str(), 0600), 0);
-    expectEveryOperationRefuses(world, unsafeRegistry);
+    world.expectEveryOperationRefuses(unsafeRegistry);
     // Nor does a reading that comes too late for the check.
     EXPECT_THROW(world.folder.load(), std::exception);
 }
@@ -119,7 +103,7 @@ TEST(MountRegistry, ofSomebodyElseStopsEveryOperation) {
     test::MountWorld world;
     world.folder.save({});
     world.machine->owners[world.folder.registryFile()] = ::getuid() + 1;
-    expectEveryOperationRefuses(world, unsafeRegistry);
+    world.expectEveryOperationRefuses(unsafeRegistry);
 }
 
 TEST(MountRegistry, thatWasGivenToAnotherUserStopsEveryOperation) {
@@ -128,15 +112,15 @@ TEST(MountRegistry, thatWasGivenToAnotherUserStopsEveryOperation) {
     test::MountWorld world;
     world.folder.save({});
     ASSERT_EQ(::chown(world.folder.registryFile().c_str(), 65534, 65534), 0);
-    expectEveryOperationRefuses(world, unsafeRegistry);
+    world.expectEveryOperationRefuses(unsafeRegistry);
 }
 
 TEST(MountRegistry, ofAnotherVersionStopsEveryOperation) {
     test::MountWorld world;
     world.folder.save({.version = 2});
-    expectEveryOperationRefuses(world, unsupported);
+    world.expectEveryOperationRefuses(unsupported);
     world.folder.save({.version = 0});
-    expectEveryOperationRefuses(world, unsupported);
+    world.expectEveryOperationRefuses(unsupported);
 }
 
 TEST(MountRegistry, withOneSnapshotTwiceStopsEveryOperation) {
@@ -145,7 +129,7 @@ TEST(MountRegistry, withOneSnapshotTwiceStopsEveryOperation) {
     const MountEntry first = world.newEntry();
     second.id = first.id;
     world.registerEntries({first, second});
-    expectEveryOperationRefuses(world, duplicate);
+    world.expectEveryOperationRefuses(duplicate);
 }
 
 TEST(MountRegistry, withOneWorkFolderTwiceStopsEveryOperationHoweverItIsSpelled) {
@@ -155,7 +139,7 @@ TEST(MountRegistry, withOneWorkFolderTwiceStopsEveryOperationHoweverItIsSpelled)
     second.workingDirectory =
         FileURL::ofFile(world.folder.workRoot() / "." / first.workingDirectory.path().filename());
     world.registerEntries({first, second});
-    expectEveryOperationRefuses(world, duplicate);
+    world.expectEveryOperationRefuses(duplicate);
 }
 
 TEST(MountRegistry, withOneImageTwiceStopsEveryOperationThoughEachEntryAloneIsValid) {
@@ -167,7 +151,7 @@ TEST(MountRegistry, withOneImageTwiceStopsEveryOperationThoughEachEntryAloneIsVa
     EXPECT_NO_THROW(world.folder.validate(second, MarkerCheck::notRequired));
     second.workingDirectory = FileURL::ofFolder(world.folder.workRoot() / Uuid::random().text());
     world.registerEntries({first, second});
-    expectEveryOperationRefuses(world, duplicate);
+    world.expectEveryOperationRefuses(duplicate);
 }
 
 TEST(MountRegistry, thatCannotBeDecodedIsLeftAsItIs) {
@@ -216,7 +200,7 @@ TEST(MountRegistry, whoseLockIsALinkIsNotTouched) {
     test::MountWorld world;
     fs::remove(world.directory / "mounts.lock");
     fs::create_symlink(world.scratch / "nothing", world.directory / "mounts.lock");
-    expectEveryOperationRefuses(world, "Could not open the backup lock. Check destination permissions.");
+    world.expectEveryOperationRefuses("Could not open the backup lock. Check destination permissions.");
     EXPECT_FALSE(fs::exists(world.scratch / "nothing"));
 }
 

@@ -13,10 +13,6 @@ namespace {
 
 const std::string unsafeRoot = "Unsafe snapshot mount root was retained.";
 
-std::string refusedRoots(const test::MountWorld& world) {
-    return world.refusal<BackupError>([&] { world.folder.ensureDirectories(); });
-}
-
 } // namespace
 
 TEST(MountRoots, areMadePrivateWithTheirParents) {
@@ -32,19 +28,19 @@ TEST(MountRoots, areMadePrivateWithTheirParents) {
 }
 
 TEST(MountRoots, refuseADirectoryThatIsALinkAndMakeNothingBehindIt) {
-    const test::MountWorld world;
+    test::MountWorld world;
     fs::remove_all(world.directory);
     fs::create_directory(world.scratch / "elsewhere");
     fs::create_symlink(world.scratch / "elsewhere", world.directory);
-    EXPECT_EQ(refusedRoots(world), unsafeRoot);
+    world.expectEveryOperationRefuses(unsafeRoot);
 }
 
 TEST(MountRoots, refuseAWorkRootThatIsALink) {
-    const test::MountWorld world;
+    test::MountWorld world;
     fs::remove(world.folder.workRoot());
     fs::create_directory(world.scratch / "elsewhere");
     fs::create_symlink(world.scratch / "elsewhere", world.folder.workRoot());
-    EXPECT_EQ(refusedRoots(world), unsafeRoot);
+    world.expectEveryOperationRefuses(unsafeRoot);
     EXPECT_EQ(world.refusedValidation<BackupError>(world.newEntry(), MarkerCheck::notRequired), unsafeRoot);
 }
 
@@ -57,10 +53,11 @@ TEST(MountRoots, thatAreFilesAreTheSystemsToRefuse) {
 }
 
 TEST(MountRoots, ofSomebodyElseAreRefused) {
-    const test::MountWorld world;
+    test::MountWorld world;
     for (const fs::path& root : {world.directory, world.folder.workRoot()}) {
         world.machine->owners = {{root, ::getuid() + 1}};
-        EXPECT_EQ(refusedRoots(world), unsafeRoot) << root;
+        SCOPED_TRACE(root);
+        world.expectEveryOperationRefuses(unsafeRoot);
     }
 }
 
@@ -68,10 +65,11 @@ TEST(MountRoots, thatWereGivenToAnotherUserAreRefused) {
     if (::getuid() != 0)
         GTEST_SKIP() << "only the administrator can give a folder away";
     for (const bool isWorkRoot : {false, true}) {
-        const test::MountWorld world;
+        test::MountWorld world;
         const fs::path root = isWorkRoot ? world.folder.workRoot() : world.directory;
         ASSERT_EQ(::chown(root.c_str(), 65534, 65534), 0);
-        EXPECT_EQ(refusedRoots(world), unsafeRoot) << root;
+        SCOPED_TRACE(root);
+        world.expectEveryOperationRefuses(unsafeRoot);
     }
 }
 

@@ -26,8 +26,18 @@ void redirect(const test::MountWorld& world, const MountEntry& entry) {
     fs::create_directory_symlink(world.scratch / "elsewhere", entry.workingDirectory.path());
 }
 
-/// A reconciliation neither deletes nor lists the one entry of the registry.
+/// Nothing deletes, ejects or shows the one entry of the registry, though its image may be attached.
 void expectRetained(test::MountWorld& world) {
+    const MountEntry entry = world.folder.load().entries.at(0);
+    world.machine->attached = {{entry.image.path(), "/Volumes/Snapshot"}};
+    EXPECT_FALSE(
+        world.refusal<std::exception>([&] { world.run(world.mounts.unmount(world.mountedOf(entry), {})); })
+            .empty());
+    const std::string before = test::treeState(world.scratch.path());
+    EXPECT_FALSE(world.run(world.mounts.validatedMounted(entry.id, {})));
+    EXPECT_EQ(test::treeState(world.scratch.path()), before);
+    EXPECT_EQ(world.machine->count("hdiutil detach"), 0u);
+    world.machine->attached.clear();
     const auto reconciliation = world.unchangingReconcile();
     EXPECT_EQ(reconciliation.issue, "Invalid snapshot mount registry entry was retained.");
     EXPECT_TRUE(reconciliation.mounted.empty());

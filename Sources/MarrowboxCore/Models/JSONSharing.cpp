@@ -16,15 +16,4 @@ Shared<SnapshotEntry> JSONSharing::shared(SnapshotEntry&& entry) {
     return *entries_.insert(Shared<SnapshotEntry>(std::move(entry))).first;
 }
 
-void JSONSharing::adopt(const SourceEntry& entry) {
-    for (const SharedText* text : {&entry.id, &entry.path, &entry.version, &entry.mimeType})
-        texts_.adopt(*text);
-    if (entry.md5)
-        texts_.adopt(*entry.md5);
-}
-
-void JSONSharing::reserve(std::size_t entryCount) {
-    entries_.reserve(entryCount);
-}
-
 } // namespace marrowbox

@@ -14,10 +14,6 @@ class JSONSharing {
   public:
     SharedText shared(std::string_view text) { return texts_.shared(text); }
     Shared<SnapshotEntry> shared(SnapshotEntry&& entry);
-    /// Makes the texts of a record that exists already the ones that later equal ones share.
-    void adopt(const SourceEntry& entry);
-    /// Makes room ahead for this many entries and their texts.
-    void reserve(std::size_t entryCount);
 
   private:
     struct EntryHash {

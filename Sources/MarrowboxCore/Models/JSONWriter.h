@@ -49,6 +49,10 @@ class JSONWriter {
 
     /// What was written and is not yet in the file: all of it where there is none.
     std::string take();
+    /// The same, in place until the next call that writes.
+    std::string_view written() const { return {buffer_.get(), used_}; }
+    /// Forgets what was written and keeps the place in the text, to write on from there.
+    void clear() { used_ = 0; }
     /// Empties the buffer into the file.
     void flush();
 

@@ -3,15 +3,26 @@
 #include "Models/JSONWriter.h"
 #include "Repository/BackupRepository.h"
 #include "Repository/ObjectStatus.h"
+#include "Repository/ParallelWork.h"
+
+#include <exception>
+#include <span>
 
 namespace marrowbox {
 
 namespace {
 
-void requireObjects(const Snapshot& snapshot, ObjectStatus objects) {
-    for (const auto& entry : snapshot.entries)
-        if (!objects.hasObject(*entry))
-            throw BackupError("A backup file is missing. The snapshot was not published.");
+void requireObjects(const Snapshot& snapshot, const ObjectPaths& paths) {
+    ObjectStatus objects(paths);
+    ParallelWork workers;
+    const auto failed =
+        workers.forEachPiece(snapshot.entries.size(), [&](std::size_t begin, std::size_t end) {
+            for (const auto& entry : std::span(snapshot.entries).subspan(begin, end - begin))
+                if (!objects.hasObject(*entry))
+                    throw BackupError("A backup file is missing. The snapshot was not published.");
+        });
+    if (failed)
+        std::rethrow_exception(failed->failure);
 }
 
 /// The bytes are on stable storage before the name is, so that no moment of a power cut leaves a manifest
@@ -32,7 +43,7 @@ void BackupRepository::commit(const Snapshot& snapshot) const {
     if (snapshot.unitID != unitID_)
         throw BackupError("Snapshot belongs to another backup unit.");
     BackupPaths::validateEntries(snapshot.entries);
-    requireObjects(snapshot, ObjectStatus(objectPaths()));
+    requireObjects(snapshot, objectPaths());
     const fs::path manifest = this->manifest(snapshot.id);
     if (fs::exists(fs::symlink_status(manifest)))
         throw BackupError("Snapshot already exists.");

@@ -1,9 +1,8 @@
 #include "Models/BackupError.h"
 #include "Models/BackupPaths.h"
-#include "Models/JSONReader.h"
-#include "Models/JSONSharing.h"
 #include "Platform/UnicodeText.h"
 #include "Repository/BackupRepository.h"
+#include "Repository/ManifestReader.h"
 #include "Repository/ObjectLinks.h"
 #include "Repository/PlainFile.h"
 
@@ -13,12 +12,38 @@ namespace marrowbox {
 
 namespace {
 
+using EntryList = std::vector<Shared<SnapshotEntry>>;
+
+bool liesBefore(const Shared<SnapshotEntry>& left, const Shared<SnapshotEntry>& right) {
+    return left->source.path < right->source.path;
+}
+
+/// Adds what a list, in the order of its paths, does not hold yet.
+void addTo(EntryList& known, const EntryList& entries) {
+    EntryList added;
+    auto place = known.cbegin();
+    for (const auto& entry : entries) {
+        const auto isPast = [&] { return place == known.cend() || liesBefore(entry, *place); };
+        bool isKnown = false;
+        for (; !isPast() && !isKnown; ++place)
+            isKnown = &**place == &*entry;
+        if (!isKnown)
+            added.push_back(entry);
+    }
+    if (added.empty() || !std::ranges::is_sorted(added, liesBefore))
+        return;
+    EntryList united;
+    united.reserve(known.size() + added.size());
+    std::ranges::merge(known, added, std::back_inserter(united), liesBefore);
+    known = std::move(united);
+}
+
 /// One reading of a repository's manifests. What repeats among them is held once, and each fan-out folder is
 /// looked at once.
 class HistoryReader {
   public:
-    explicit HistoryReader(const BackupRepository& repository)
-        : repository_(repository), links_(repository.objectPaths()) {}
+    HistoryReader(const BackupRepository& repository, std::span<const SourceEntry> listing)
+        : repository_(repository), reader_(listing), links_(repository.objectPaths()) {}
 
     std::vector<fs::path> manifests() const {
         std::vector<fs::path> files;
@@ -28,14 +53,11 @@ class HistoryReader {
         return files;
     }
 
-    void share(std::span<const SourceEntry> known) {
-        for (const auto& entry : known)
-            sharing_.adopt(entry);
-    }
-
-    Snapshot read(const fs::path& file) {
+    /// Reads a manifest, which probably repeats most of the given entries.
+    Snapshot read(const fs::path& file, std::span<const Shared<SnapshotEntry>> likely) {
         rejectSymlink(file);
-        auto snapshot = decodeJSON<Snapshot>(openPlainFile(file), &sharing_);
+        reader_.expect(likely);
+        Snapshot snapshot = reader_.read(openPlainFile(file));
         if (snapshot.schemaVersion != 1 || snapshot.unitID != repository_.unitID() ||
             withoutPathExtension(file.filename().string()) != snapshot.id.text())
             throw BackupError("An unsupported or mismatched snapshot was found. No history will be removed.");
@@ -57,7 +79,7 @@ class HistoryReader {
     }
 
     const BackupRepository& repository_;
-    JSONSharing sharing_;
+    ManifestReader reader_;
     ObjectLinks links_;
 };
 
@@ -65,10 +87,12 @@ class HistoryReader {
 
 std::vector<Snapshot> BackupRepository::snapshots() const {
     validate();
-    HistoryReader reader(*this);
+    HistoryReader reader(*this, {});
+    EntryList known;
     std::vector<Snapshot> history;
     for (const auto& file : reader.manifests()) {
-        Snapshot snapshot = reader.read(file);
+        Snapshot snapshot = reader.read(file, known);
+        addTo(known, snapshot.entries);
         const auto place =
             std::ranges::upper_bound(history, snapshot.completedAt, {}, &Snapshot::completedAt);
         history.insert(place, std::move(snapshot));
@@ -78,13 +102,13 @@ std::vector<Snapshot> BackupRepository::snapshots() const {
 
 std::optional<Snapshot> BackupRepository::latestSnapshot(std::span<const SourceEntry> sharedWith) const {
     validate();
-    HistoryReader reader(*this);
-    const auto files = reader.manifests();
-    if (!files.empty())
-        reader.share(sharedWith);
+    HistoryReader reader(*this, sharedWith);
     std::optional<Snapshot> latest;
-    for (const auto& file : files) {
-        Snapshot snapshot = reader.read(file);
+    for (const auto& file : reader.manifests()) {
+        std::span<const Shared<SnapshotEntry>> likely;
+        if (latest)
+            likely = latest->entries;
+        Snapshot snapshot = reader.read(file, likely);
         // Of equal dates the one that is read later counts as later.
         if (!latest || snapshot.completedAt >= latest->completedAt)
             latest = std::move(snapshot);

@@ -8,17 +8,18 @@ ObjectStatus::ObjectStatus(ObjectPaths paths)
 
 const ObjectStatus::FanOut& ObjectStatus::fanOut(const ObjectHash& hash) {
     FanOut& known = fanOuts_[hash.firstByte()];
-    if (known.isKnown)
-        return known;
+    std::call_once(known.isKnown, [&] { look(known, hash); });
+    return known;
+}
+
+void ObjectStatus::look(FanOut& fanOut, const ObjectHash& hash) const {
     const fs::path path = paths_.fanOut(hash);
     const auto status = linkStatus(path);
     if (status && S_ISLNK(status->st_mode))
         refuseSymlink();
-    known.isKnown = true;
-    known.isAbsent = !status;
+    fanOut.isAbsent = !status;
     if (objects_)
-        known.folder = objects_->folder(path.filename().c_str());
-    return known;
+        fanOut.folder = objects_->folder(path.filename().c_str());
 }
 
 std::optional<struct stat> ObjectStatus::status(const ObjectHash& hash) {

@@ -6,13 +6,14 @@
 
 #include <array>
 #include <cstdint>
+#include <mutex>
 #include <optional>
 
 namespace marrowbox {
 
 /// Asks for the objects of many entries, one metadata query each: every fan-out folder is opened once, and
 /// its objects are examined through it. It lives for one pass over a list of entries, while no object comes
-/// or goes. Not safe to share between threads.
+/// or goes. Any number of threads may ask.
 class ObjectStatus {
   public:
     explicit ObjectStatus(ObjectPaths paths);
@@ -26,11 +27,12 @@ class ObjectStatus {
 
   private:
     struct FanOut {
+        std::once_flag isKnown;
         std::optional<FolderHandle> folder;
-        bool isKnown = false;
         bool isAbsent = false;
     };
     const FanOut& fanOut(const ObjectHash& hash);
+    void look(FanOut& fanOut, const ObjectHash& hash) const;
     std::optional<struct stat> status(const ObjectHash& hash);
 
     ObjectPaths paths_;

@@ -11,6 +11,9 @@ namespace marrowbox {
 
 namespace {
 
+/// Items of light work that are worth going to another thread.
+constexpr std::size_t pieceSize = 4096;
+
 /// More threads than processors, since most of them wait for storage at any one time.
 std::size_t threadCount() {
     return std::clamp<std::size_t>(4 * std::thread::hardware_concurrency(), 4, 16);
@@ -75,6 +78,13 @@ std::optional<FirstFailure> ParallelWork::forEach(std::size_t count,
         });
     done.wait();
     return calls.failure();
+}
+
+std::optional<FirstFailure>
+ParallelWork::forEachPiece(std::size_t count, const std::function<void(std::size_t, std::size_t)>& work) {
+    return forEach((count + pieceSize - 1) / pieceSize, [&](std::size_t piece) {
+        work(piece * pieceSize, std::min(count, (piece + 1) * pieceSize));
+    });
 }
 
 } // namespace marrowbox

@@ -26,6 +26,10 @@ class ParallelWork {
     /// caller at a time.
     [[nodiscard]] std::optional<FirstFailure> forEach(std::size_t count,
                                                       const std::function<void(std::size_t)>& work);
+    /// The same for light work on many items: calls work(begin, end) for piece after piece of a range. Of
+    /// the failures, that of the piece with the lowest index is given.
+    [[nodiscard]] std::optional<FirstFailure>
+    forEachPiece(std::size_t count, const std::function<void(std::size_t, std::size_t)>& work);
 
   private:
     std::unique_ptr<boost::asio::thread_pool> threads_;

@@ -28,7 +28,8 @@ History divide(std::vector<Snapshot> snapshots, Date cutoff) {
 }
 
 /// The objects that have to stay, each seen in place. An entry that many snapshots share is looked at once.
-ObjectSet provenObjects(const std::vector<Snapshot>& retained, ObjectStatus status) {
+ObjectSet provenObjects(const std::vector<Snapshot>& retained, const ObjectPaths& paths) {
+    ObjectStatus status(paths);
     ObjectSet objects;
     boost::unordered_flat_set<const SnapshotEntry*> proven;
     for (const auto& snapshot : retained) {
@@ -85,7 +86,7 @@ void BackupRepository::prune(Date olderThan) const {
     if (snapshots.empty())
         return;
     const History history = divide(std::move(snapshots), olderThan);
-    const ObjectSet kept = provenObjects(history.retained, ObjectStatus(objectPaths()));
+    const ObjectSet kept = provenObjects(history.retained, objectPaths());
     for (const auto& snapshot : history.expired)
         removeFile(manifest(snapshot.id));
     // No object goes before the manifests that name it are gone for good, those as well that a pruning which

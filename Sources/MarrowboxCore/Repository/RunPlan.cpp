@@ -1,8 +1,11 @@
 #include "Repository/RunPlan.h"
 
 #include "Repository/IndexTable.h"
+#include "Repository/ParallelWork.h"
 
 #include <algorithm>
+#include <array>
+#include <optional>
 
 namespace marrowbox {
 
@@ -31,6 +34,32 @@ class PathIndex {
     IndexTable table_;
 };
 
+/// The positions of entries by their paths. A listing goes through them in their own order nearly always, so
+/// that the next one is looked at first, and the table is made when that fails.
+class PathWalk {
+  public:
+    explicit PathWalk(EntryList entries) : entries_(entries) {}
+
+    std::uint32_t find(const SharedText& path) {
+        const bool isNext = next_ < entries_.size() && entries_[next_]->source.path == path;
+        const std::uint32_t found = isNext ? next_ : lookUp(path);
+        if (found != IndexTable::none)
+            next_ = found + 1;
+        return found;
+    }
+
+  private:
+    std::uint32_t lookUp(const SharedText& path) {
+        if (!index_)
+            index_.emplace(entries_);
+        return index_->find(path);
+    }
+
+    EntryList entries_;
+    std::uint32_t next_ = 0;
+    std::optional<PathIndex> index_;
+};
+
 /// The entries of a snapshot by their fingerprints; of equal ones the first.
 class FingerprintIndex {
     auto isLike(const SourceEntry& item) const {
@@ -40,36 +69,89 @@ class FingerprintIndex {
     }
 
   public:
-    explicit FingerprintIndex(EntryList entries) : entries_(entries), table_(entries.size()) {
-        for (std::uint32_t position = 0; position < entries.size(); ++position) {
-            const SourceEntry& source = entries[position]->source;
-            table_.insert(source.fingerprintHash(), position, isLike(source));
+    explicit FingerprintIndex(EntryList entries)
+        : entries_(entries), table_(entries.size()), first_(entries.size()) {
+        const auto count = static_cast<std::uint32_t>(entries.size());
+        for (std::uint32_t position = 0; position < count + lookahead; ++position) {
+            if (position >= lookahead)
+                enter(position - lookahead);
+            if (position < count)
+                prepare(position);
         }
     }
 
     std::uint32_t find(const SourceEntry& item) const {
         return table_.lookUp(item.fingerprintHash(), isLike(item));
     }
+    /// What find gives for the entry at a position.
+    std::uint32_t firstLike(std::uint32_t position) const { return first_[position]; }
 
   private:
+    /// How far the table's memory is asked for ahead of its use; a power of two.
+    static constexpr std::uint32_t lookahead = 16;
+
+    void prepare(std::uint32_t position) {
+        const std::size_t hash = entries_[position]->source.fingerprintHash();
+        hashes_[position % lookahead] = hash;
+        table_.prefetch(hash);
+    }
+    void enter(std::uint32_t position) {
+        first_[position] =
+            table_.insert(hashes_[position % lookahead], position, isLike(entries_[position]->source));
+    }
+
     EntryList entries_;
     IndexTable table_;
+    std::vector<std::uint32_t> first_;
+    std::array<std::size_t, lookahead> hashes_{};
 };
+
+/// Where a listed item stands in the previous snapshot.
+struct Match {
+    std::uint32_t atPath = IndexTable::none;
+    std::uint32_t sameContent = IndexTable::none; ///< The first entry with a file's fingerprint.
+    bool isStored = false;                        ///< The content's object is there to be used again.
+};
+
+std::vector<Match> matchItems(std::span<const SourceEntry> listing, EntryList previous) {
+    PathWalk byPath(previous);
+    const FingerprintIndex byFingerprint(previous);
+    std::vector<Match> matches;
+    matches.reserve(listing.size());
+    for (const SourceEntry& item : listing) {
+        Match& match = matches.emplace_back(Match{.atPath = byPath.find(item.path)});
+        if (item.isDirectory)
+            continue;
+        const bool pathExisted = match.atPath != IndexTable::none;
+        const bool isUnchanged = pathExisted && previous[match.atPath]->source.hasFingerprintOf(item);
+        match.sameContent = isUnchanged ? byFingerprint.firstLike(match.atPath) : byFingerprint.find(item);
+    }
+    return matches;
+}
+
+/// One query an item, on several threads, since the system takes its time for each.
+void lookForObjects(std::vector<Match>& matches, EntryList previous, const ObjectPresence& hasObject) {
+    ParallelWork workers;
+    const auto failed = workers.forEachPiece(matches.size(), [&](std::size_t begin, std::size_t end) {
+        for (Match& match : std::span(matches).subspan(begin, end - begin))
+            if (match.sameContent != IndexTable::none)
+                match.isStored = hasObject(*previous[match.sameContent]);
+    });
+    if (failed)
+        std::rethrow_exception(failed->failure);
+}
 
 class Planner {
   public:
-    Planner(std::size_t itemCount, EntryList previous, const ObjectPresence& hasObject)
-        : previous_(previous), byPath_(previous), byFingerprint_(previous), hasObject_(hasObject),
-          isStillAFile_(previous.size()) {
+    Planner(std::size_t itemCount, EntryList previous) : previous_(previous), isStillAFile_(previous.size()) {
         plan_.entries.reserve(itemCount);
     }
 
-    void plan(SourceEntry item) {
-        const std::uint32_t atPath = byPath_.find(item.path);
+    void plan(SourceEntry item, const Match& match) {
         if (item.isDirectory)
-            keepFolder(std::move(item), atPath);
+            keepFolder(std::move(item), match.atPath);
         else
-            planFile(std::move(item), atPath);
+            planFile(std::move(item), match);
     }
 
     RunPlan finish() {
@@ -88,15 +170,14 @@ class Planner {
             plan_.entries.emplace_back(std::move(entry));
     }
 
-    void planFile(SourceEntry item, std::uint32_t atPath) {
-        const bool pathExisted = atPath != IndexTable::none;
+    void planFile(SourceEntry item, const Match& match) {
+        const bool pathExisted = match.atPath != IndexTable::none;
         if (pathExisted)
-            isStillAFile_[atPath] = true;
-        const std::uint32_t found = byFingerprint_.find(item);
-        if (found != IndexTable::none && hasObject_(*previous_[found])) {
-            const bool isUnchanged = pathExisted && previous_[atPath]->source.hasFingerprintOf(item);
+            isStillAFile_[match.atPath] = true;
+        if (match.isStored) {
+            const bool isUnchanged = pathExisted && previous_[match.atPath]->source.hasFingerprintOf(item);
             ++(isUnchanged ? plan_.summary.unchanged : plan_.summary.added);
-            reuse(previous_[found], std::move(item));
+            reuse(previous_[match.sameContent], std::move(item));
             return;
         }
         ++(pathExisted ? plan_.summary.updated : plan_.summary.added);
@@ -113,9 +194,6 @@ class Planner {
     }
 
     EntryList previous_;
-    PathIndex byPath_;
-    FingerprintIndex byFingerprint_;
-    const ObjectPresence& hasObject_;
     std::vector<bool> isStillAFile_;
     RunPlan plan_;
 };
@@ -124,9 +202,11 @@ class Planner {
 
 RunPlan planRun(std::vector<SourceEntry> listing, std::span<const Shared<SnapshotEntry>> previous,
                 const ObjectPresence& hasObject) {
-    Planner planner(listing.size(), previous, hasObject);
-    for (auto& item : listing)
-        planner.plan(std::move(item));
+    std::vector<Match> matches = matchItems(listing, previous);
+    lookForObjects(matches, previous, hasObject);
+    Planner planner(listing.size(), previous);
+    for (std::size_t index = 0; index < listing.size(); ++index)
+        planner.plan(std::move(listing[index]), matches[index]);
     return planner.finish();
 }
 

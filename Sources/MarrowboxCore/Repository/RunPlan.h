@@ -20,7 +20,8 @@ struct RunPlan {
     friend bool operator==(const RunPlan&, const RunPlan&) = default;
 };
 
-/// Whether the object of an entry of the previous snapshot is there to be used again.
+/// Whether the object of an entry of the previous snapshot is there to be used again. Asked on several
+/// threads at a time.
 using ObjectPresence = std::function<bool(const SnapshotEntry&)>;
 
 /// Decides for each item of a listing, whose paths are unique, whether the content that the previous snapshot

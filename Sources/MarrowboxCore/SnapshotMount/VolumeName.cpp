@@ -1,5 +1,6 @@
 #include "SnapshotMount/VolumeName.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -8,6 +9,8 @@ namespace marrowbox {
 namespace {
 
 constexpr std::size_t longestUnitName = 14;
+/// Some thousands of years, in seconds. A manifest may name any number.
+constexpr double furthest = 1e11;
 
 /// What every file system and file browser shows as it is.
 bool isUsable(char byte) {
@@ -27,10 +30,11 @@ std::string usablePart(std::string_view unitName) {
 
 LocalTime systemLocalTime() {
     return [](Date date) {
-        const auto seconds =
-            static_cast<std::time_t>(std::floor(date.secondsSinceReference + referenceDateSince1970));
+        const double seconds = std::floor(date.secondsSinceReference + referenceDateSince1970);
+        const auto instant = static_cast<std::time_t>(std::clamp(seconds, -furthest, furthest));
         std::tm fields{};
-        ::localtime_r(&seconds, &fields);
+        ::tzset(); // the user may have travelled since the program started
+        ::localtime_r(&instant, &fields);
         return fields;
     };
 }
