@@ -27,7 +27,7 @@ bool take(const Scene& scene, Light light, const QDir& folder) {
         const QString file =
             QStringLiteral("%1-%2@%3x.png")
                 .arg(scene.name, light == Light::dark ? QStringLiteral("dark") : QStringLiteral("light"))
-                .arg(picture.devicePixelRatio());
+                .arg(qGuiApp->devicePixelRatio());
         return picture.save(folder.filePath(file));
     } catch (const std::exception& failure) {
         QTextStream(stderr) << failure.what() << Qt::endl;

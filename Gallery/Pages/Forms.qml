@@ -45,6 +45,8 @@ Page {
                 Separator { Layout.fillWidth: true }
                 Toggle { Layout.fillWidth: true; text: "Start Marrowbox at login"; enabled: false }
             }
+
+            Item { Layout.fillHeight: true }
         }
 
         ColumnLayout {

@@ -5,21 +5,9 @@ import Marrowbox.Appearance
 Page {
     title: "Themes"
 
-    GridLayout {
-        columns: 4
-        columnSpacing: Appearance.gap
-        rowSpacing: Appearance.gap
+    ThemePicker {
         Layout.fillWidth: true
-
-        Repeater {
-            model: Appearance.accents
-            ThemeTile {
-                required property var modelData
-                theme: modelData.name
-                chosen: modelData.name === "violet"
-                Layout.fillWidth: true
-            }
-        }
+        chosen: "violet"
     }
 
     GridLayout {

@@ -17,6 +17,7 @@ QtObject {
     readonly property color window: AppearanceState.colors.window
     readonly property color sidebar: AppearanceState.colors.sidebar
     readonly property color card: AppearanceState.colors.card
+    readonly property color raised: AppearanceState.colors.raised
     readonly property color sheet: AppearanceState.colors.sheet
     readonly property color popup: AppearanceState.colors.popup
     readonly property color field: AppearanceState.colors.field
@@ -95,6 +96,7 @@ QtObject {
     readonly property int buttonPadding: 8
     readonly property int tileHeight: 46
     readonly property int swatch: 14
+    readonly property int dot: 6
     readonly property int stepMark: 10
     readonly property int tinyIcon: 12
     readonly property int smallIcon: 14
@@ -111,7 +113,7 @@ QtObject {
     readonly property int focusGap: 2
     readonly property int fieldWidth: 240
     readonly property int stepperWidth: 72
-    readonly property int shadowSpread: 12
+    readonly property int shadowSpread: 20
 
     // Lists of a backup's page
     readonly property int historyRowHeight: 60

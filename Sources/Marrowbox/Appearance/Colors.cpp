@@ -30,17 +30,18 @@ Colors lightColors() {
         .window = QColor(0xFCFCFB),
         .sidebar = QColor(0xF4F4F1),
         .card = QColor(0xFFFFFF),
+        .raised = QColor(0xFFFFFF),
         .sheet = QColor(0xFCFCFB),
         .popup = QColor(0xFFFFFF),
         .field = QColor(0xFFFFFF),
         .text = QColor(0x17191D),
-        .muted = QColor(0x62656C),
+        .muted = QColor(0x5E6168),
         .fieldBorder = QColor(0xC9CACC),
         .alert = alert,
         .success = success,
         .warning = QColor(0xA8530A),
         .scrim = QColor(0x17, 0x19, 0x1D, 0x3D),
-        .shadow = QColor(0x17, 0x19, 0x1D, 0x2E),
+        .shadow = QColor(0x17, 0x19, 0x1D, 0x10),
         .inverse = QColor(0x2B2D33),
         .inverseLabel = QColor(0xF6F6F4),
     });
@@ -51,6 +52,7 @@ Colors darkColors() {
         .window = QColor(0x17181B),
         .sidebar = QColor(0x1C1D21),
         .card = QColor(0x1F2024),
+        .raised = QColor(0x383A41),
         .sheet = QColor(0x202126),
         .popup = QColor(0x26272C),
         .field = QColor(0x1A1B1F),
@@ -59,12 +61,14 @@ Colors darkColors() {
         .fieldBorder = QColor(0x4B4D55),
         .warning = QColor(0xF2A65A),
         .scrim = QColor(0x00, 0x00, 0x00, 0x8C),
-        .shadow = QColor(0x00, 0x00, 0x00, 0x80),
+        .shadow = QColor(0x00, 0x00, 0x00, 0x30),
         .inverse = QColor(0x3A3C43),
         .inverseLabel = QColor(0xF3F4F6),
     });
     colors.alert = lightenedOn(colors.popup, alert);
     colors.success = lightenedOn(colors.popup, success);
+    colors.secondary = strengthenedOn(colors.popup, colors.secondary);
+    colors.faint = strengthenedOn(colors.popup, colors.faint);
     return colors;
 }
 

@@ -47,4 +47,12 @@ QColor lightenedOn(const QColor& ground, const QColor& colour, double least) {
     return result;
 }
 
+QColor strengthenedOn(const QColor& ground, const QColor& colour, double least) {
+    constexpr float step = 0.01F;
+    QColor result = colour;
+    while (contrast(over(result, ground), ground) < least && result.alphaF() < 1)
+        result.setAlphaF(std::min(result.alphaF() + step, 1.0F));
+    return result;
+}
+
 } // namespace marrowbox

@@ -17,4 +17,7 @@ QColor over(const QColor& top, const QColor& ground);
 /// colour that is readable already stays as it is.
 QColor lightenedOn(const QColor& ground, const QColor& colour, double least = readableContrast);
 
+/// The translucent colour, made just as opaque as text in it needs to be read on a dark ground.
+QColor strengthenedOn(const QColor& ground, const QColor& colour, double least = readableContrast);
+
 } // namespace marrowbox

@@ -1,6 +1,7 @@
 #include "Marrowbox/Appearance/SymbolProvider.h"
 
 #include <QDir>
+#include <QFile>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -34,9 +35,10 @@ QStringList symbolNames() {
 }
 
 QImage drawSymbol(const QString& name, const QColor& colour, QSize size) {
-    QSvgRenderer renderer(folder + name + QStringLiteral(".svg"));
-    if (!renderer.isValid())
+    const QString file = folder + name + QStringLiteral(".svg");
+    if (!QFile::exists(file))
         return {};
+    QSvgRenderer renderer(file);
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);

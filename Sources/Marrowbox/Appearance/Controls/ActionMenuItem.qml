@@ -11,7 +11,7 @@ T.MenuItem {
     property bool destructive: false
     property string disabledReason: qsTr("Not available at the moment.")
     readonly property QtObject accent: Appearance.accentOf(Appearance.theme)
-    readonly property color ink: destructive ? Appearance.alert : highlighted && enabled ? accent.ink : Appearance.text
+    readonly property color ink: destructive ? Appearance.alert : Appearance.text
 
     function press() {
         if (!enabled)

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
 
-// A pill with a word in it.
+// A pill with a word in it. Its tone colours the pill and the dot or symbol; the word stays readable on it.
 Rectangle {
     id: root
 
@@ -24,6 +24,14 @@ Rectangle {
         width: Math.min(implicitWidth, root.width - Appearance.smallGap * 2)
         spacing: Appearance.tinyGap
 
+        Rectangle {
+            visible: root.symbol === "" && root.tone !== Tone.Neutral
+            implicitWidth: Appearance.dot
+            implicitHeight: Appearance.dot
+            radius: Appearance.dot / 2
+            color: root.ink
+        }
+
         Icon {
             name: root.symbol
             side: Appearance.tinyIcon
@@ -35,7 +43,7 @@ Rectangle {
             text: root.text
             textFormat: Text.PlainText
             font: Appearance.pill
-            color: root.ink
+            color: root.tone === Tone.Neutral ? Appearance.muted : Appearance.text
             elide: Text.ElideRight
         }
     }

@@ -13,7 +13,7 @@ T.ItemDelegate {
     property bool destructive: false
     property string disabledReason: qsTr("Not available at the moment.")
     readonly property QtObject accent: Appearance.accentOf(Appearance.theme)
-    readonly property color ink: destructive ? Appearance.alert : highlighted && enabled ? accent.ink : Appearance.text
+    readonly property color ink: destructive ? Appearance.alert : Appearance.text
 
     function press() {
         if (enabled)
@@ -28,7 +28,7 @@ T.ItemDelegate {
     implicitHeight: Appearance.controlHeight
     opacity: enabled ? Appearance.opaque : Appearance.disabledOpacity
 
-    Accessible.role: Accessible.MenuItem
+    Accessible.role: Accessible.ListItem
     Accessible.name: text
     Accessible.description: enabled ? detail : disabledReason
     Accessible.selectable: true

@@ -11,6 +11,7 @@ ColumnLayout {
     required property string title
     property bool expanded: false
 
+    Layout.fillHeight: false
     spacing: Appearance.smallGap
 
     PressButton {

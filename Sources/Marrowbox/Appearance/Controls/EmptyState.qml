@@ -11,6 +11,7 @@ ColumnLayout {
     property string symbol: ""
     property string detail: ""
 
+    Layout.fillHeight: false
     spacing: Appearance.smallGap
 
     Icon {

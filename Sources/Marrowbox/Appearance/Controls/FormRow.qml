@@ -10,6 +10,7 @@ RowLayout {
     required property string label
     property string detail: ""
 
+    Layout.fillHeight: false
     spacing: Appearance.mediumGap
 
     ColumnLayout {

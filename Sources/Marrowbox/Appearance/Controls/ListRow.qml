@@ -79,7 +79,7 @@ T.ItemDelegate {
                 text: root.title
                 textFormat: Text.PlainText
                 font: root.selected ? Appearance.strong : Appearance.body
-                color: root.selected ? root.accent.ink : Appearance.text
+                color: Appearance.text
                 elide: Text.ElideMiddle
             }
 

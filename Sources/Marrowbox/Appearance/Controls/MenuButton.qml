@@ -9,7 +9,6 @@ IconButton {
     readonly property bool menuShown: menu.visible
 
     symbol: "ellipsis"
-    Accessible.role: Accessible.ButtonMenu
     onClicked: menu.visible ? menu.close() : menu.popup(root, root.width - menu.implicitWidth, root.height + Appearance.tinyGap)
 
     ActionMenu {

@@ -41,8 +41,13 @@ T.ComboBox {
         if (wanted !== chosen)
             root.picked(wanted);
     }
-    Keys.onReturnPressed: popup.open()
-    Keys.onEnterPressed: popup.open()
+    // Opened when the key comes up again, since an open list takes that for its answer.
+    Keys.onReleased: event => {
+        if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && !popup.visible) {
+            popup.open();
+            event.accepted = true;
+        }
+    }
 
     Accessible.role: Accessible.ComboBox
     Accessible.name: label
@@ -93,6 +98,8 @@ T.ComboBox {
         margins: Appearance.smallGap
         height: Math.min(list.contentHeight + topPadding + bottomPadding, Appearance.mostMenuHeight)
         background: PopupSurface {}
+        // A click gives the focus to nothing, but an open list is used with the keys.
+        onAboutToShow: root.forceActiveFocus(Qt.PopupFocusReason)
         contentItem: ListView {
             id: list
             clip: true

@@ -20,13 +20,14 @@ Rectangle {
 
             anchors.fill: parent
             anchors.margins: -(index + 1)
+            // Light falls from above.
             anchors.topMargin: -(index + 1) / 2
             anchors.bottomMargin: -(index + 1) * 3 / 2
             z: -1
             radius: root.radius + index + 1
             color: "transparent"
             border.width: Appearance.hairline
-            border.color: Appearance.faded(Appearance.shadow, Math.pow(1 - (index + 1) / (root.spread + 1), 3))
+            border.color: Appearance.faded(Appearance.shadow, Math.pow(1 - (index + 1) / (root.spread + 1), 2))
         }
     }
 }

@@ -45,7 +45,7 @@ T.Dialog {
             text: root.title
             font: Appearance.subheading
             wrapMode: Text.Wrap
-            Accessible.role: Accessible.Heading
+            spokenRole: Accessible.Heading
         }
 
         Words {
@@ -58,7 +58,7 @@ T.Dialog {
         RowLayout {
             Layout.fillWidth: true
             Layout.topMargin: Appearance.mediumGap
-            spacing: Appearance.smallGap
+            spacing: Appearance.gap
 
             Item {
                 Layout.fillWidth: true

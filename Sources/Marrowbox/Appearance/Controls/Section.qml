@@ -10,13 +10,14 @@ ColumnLayout {
     property string title: ""
     property string note: ""
 
+    Layout.fillHeight: false
     spacing: Appearance.smallGap
 
     Words {
         visible: root.title !== ""
         text: root.title
         font: Appearance.strong
-        Accessible.role: Accessible.Heading
+        spokenRole: Accessible.Heading
     }
 
     Card {

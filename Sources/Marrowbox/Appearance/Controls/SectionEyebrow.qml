@@ -11,6 +11,7 @@ RowLayout {
     property string theme: Appearance.theme
     readonly property QtObject accent: Appearance.accentOf(theme)
 
+    Layout.fillHeight: false
     spacing: Appearance.smallGap
     Accessible.role: Accessible.Heading
     Accessible.name: qsTr("%1. %2").arg(number).arg(title)

@@ -1,42 +1,34 @@
 import QtQuick
 import Marrowbox.Appearance
 
-// One choice of a Segmented.
-PressButton {
+// One choice of a Segmented. Only the one that holds is a stop for Tab.
+PressItem {
     id: root
 
-    required property bool chosen
-    required property bool isTab
+    activeFocusOnTab: chosen || activeFocus
+    implicitWidth: label.implicitWidth + Appearance.mediumGap * 2
+    implicitHeight: label.implicitHeight + (Appearance.tinyGap + Appearance.hairGap) * 2
 
-    focusPolicy: chosen ? Qt.TabFocus : Qt.NoFocus
-    leftPadding: Appearance.mediumGap
-    rightPadding: Appearance.mediumGap
-    topPadding: Appearance.tinyGap + Appearance.hairGap
-    bottomPadding: topPadding
-
-    Accessible.role: isTab ? Accessible.PageTab : Accessible.RadioButton
-    Accessible.checkable: true
-    Accessible.checked: chosen
-    Accessible.selected: chosen
-
-    background: Rectangle {
+    Rectangle {
+        anchors.fill: parent
         radius: Appearance.smallRadius
-        color: root.chosen ? Appearance.card : Appearance.faded(Appearance.text, root.active ? Appearance.secondaryFill : 0)
+        color: root.chosen ? Appearance.raised : Appearance.faded(Appearance.text, root.active ? Appearance.secondaryFill : 0)
         border.width: Appearance.hairline
         border.color: root.chosen ? Appearance.faded(Appearance.text, Appearance.menuBorder) : "transparent"
 
         FocusRing {
-            shown: root.visualFocus
+            shown: root.activeFocus
             cornerRadius: Appearance.smallRadius
             tint: root.accent.tint
         }
     }
 
-    contentItem: Text {
+    Text {
+        id: label
+        anchors.centerIn: parent
         text: root.text
         textFormat: Text.PlainText
-        font: root.font
-        color: root.chosen ? root.accent.ink : Appearance.text
-        horizontalAlignment: Text.AlignHCenter
+        font: Appearance.button
+        color: root.chosen ? Appearance.text : Appearance.muted
     }
 }

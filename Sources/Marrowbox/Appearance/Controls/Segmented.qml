@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Templates as T
 import Marrowbox.Appearance
 
 // A few choices side by side, of which one holds; also the tabs of a sheet. `titles` are their texts; the arrow keys move.
-T.Control {
+Rectangle {
     id: root
 
     enum Kind { Choices, Tabs }
@@ -14,7 +13,6 @@ T.Control {
     property int current: 0
     property string disabledReason: qsTr("Not available at the moment.")
     property string theme: Appearance.theme
-    readonly property QtObject accent: Appearance.accentOf(theme)
 
     signal picked(int index)
 
@@ -26,21 +24,20 @@ T.Control {
         segments.itemAt(current).forceActiveFocus(Qt.TabFocusReason);
     }
 
-    padding: Appearance.hairGap
-    implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    implicitWidth: row.implicitWidth + Appearance.hairGap * 2
+    implicitHeight: row.implicitHeight + Appearance.hairGap * 2
+    radius: Appearance.buttonRadius
+    color: Appearance.faded(Appearance.text, Appearance.secondaryFill)
     opacity: enabled ? Appearance.opaque : Appearance.disabledOpacity
 
     Accessible.role: kind === Segmented.Tabs ? Accessible.PageTabList : Accessible.Grouping
     Accessible.name: label
     Accessible.description: enabled ? "" : disabledReason
 
-    background: Rectangle {
-        radius: Appearance.buttonRadius
-        color: Appearance.faded(Appearance.text, Appearance.secondaryFill)
-    }
+    Row {
+        id: row
+        anchors.centerIn: parent
 
-    contentItem: Row {
         Repeater {
             id: segments
             model: root.titles
@@ -52,7 +49,7 @@ T.Control {
                 text: modelData
                 theme: root.theme
                 chosen: index === root.current
-                isTab: root.kind === Segmented.Tabs
+                spokenRole: root.kind === Segmented.Tabs ? Accessible.PageTab : Accessible.RadioButton
                 disabledReason: root.disabledReason
                 onClicked: if (!chosen)
                     root.picked(index)

@@ -24,7 +24,8 @@ T.Dialog {
     closePolicy: closable ? T.Popup.CloseOnEscape : T.Popup.NoAutoClose
     width: Math.min(sheetWidth, parent ? parent.width - Appearance.hugeGap : sheetWidth)
     height: Math.min(implicitHeight, parent ? parent.height - Appearance.hugeGap : implicitHeight)
-    implicitHeight: head.implicitHeight + body.implicitHeight + Appearance.largeGap + (foot.visible ? footArea.implicitHeight : 0)
+    implicitHeight: head.implicitHeight + Appearance.mediumGap * 2 + body.implicitHeight + Appearance.largeGap
+                    + (footArea.visible ? footArea.implicitHeight : 0)
     padding: 0
 
     enter: Transition {
@@ -72,7 +73,7 @@ T.Dialog {
                     Layout.fillWidth: true
                     text: root.title
                     font: Appearance.heading
-                    Accessible.role: Accessible.Heading
+                    spokenRole: Accessible.Heading
                 }
 
                 Words {
@@ -122,7 +123,7 @@ T.Dialog {
                 Layout.margins: Appearance.mediumGap
                 Layout.leftMargin: Appearance.largeGap
                 Layout.rightMargin: Appearance.largeGap
-                spacing: Appearance.smallGap
+                spacing: Appearance.gap
             }
         }
     }

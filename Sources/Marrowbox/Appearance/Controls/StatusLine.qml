@@ -14,6 +14,7 @@ RowLayout {
     property alias font: words.font
     property bool wrapped: false
 
+    Layout.fillHeight: false
     spacing: Appearance.smallGap - Appearance.hairGap
 
     Icon {

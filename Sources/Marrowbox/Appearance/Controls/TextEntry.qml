@@ -24,6 +24,7 @@ ColumnLayout {
         field.selectAll();
     }
 
+    Layout.fillHeight: false
     spacing: Appearance.tinyGap
 
     Text {

@@ -3,39 +3,41 @@ import QtQuick.Layouts
 import Marrowbox.Appearance
 
 // One theme in the picker of colours. Bind `chosen`; `clicked` asks for it.
-PressButton {
+PressItem {
     id: root
 
-    required property bool chosen
+    readonly property real fillOpacity: chosen ? Appearance.activeFill : active ? Appearance.tileHoverFill : Appearance.tileFill
+    readonly property real borderOpacity: {
+        if (chosen)
+            return Appearance.tileSelectedBorder;
+        return active ? Appearance.tileHoverBorder : Appearance.tileBorder;
+    }
 
     text: accent.title
     spokenName: qsTr("%1 accent").arg(accent.title)
+    help: qsTr("Use %1 for this backup").arg(accent.title)
+    implicitWidth: row.implicitWidth + Appearance.gap * 2
     implicitHeight: Appearance.tileHeight
-    leftPadding: Appearance.gap
-    rightPadding: Appearance.gap
-    focusPolicy: Qt.TabFocus
 
-    Accessible.role: Accessible.RadioButton
-    Accessible.checkable: true
-    Accessible.checked: chosen
-    Accessible.description: enabled ? qsTr("Use %1 for this backup").arg(accent.title) : disabledReason
-
-    background: Rectangle {
+    Rectangle {
+        anchors.fill: parent
         radius: Appearance.tileRadius
-        color: Appearance.faded(root.accent.tint, root.chosen ? Appearance.activeFill
-                                                              : root.active ? Appearance.tileHoverFill : Appearance.tileFill)
+        color: Appearance.faded(root.accent.tint, root.fillOpacity)
         border.width: Appearance.hairline
-        border.color: Appearance.faded(root.accent.tint, root.chosen ? Appearance.tileSelectedBorder
-                                                                     : root.active ? Appearance.tileHoverBorder : Appearance.tileBorder)
+        border.color: Appearance.faded(root.accent.tint, root.borderOpacity)
 
         FocusRing {
-            shown: root.visualFocus
+            shown: root.activeFocus
             cornerRadius: Appearance.tileRadius
             tint: root.accent.tint
         }
     }
 
-    contentItem: RowLayout {
+    RowLayout {
+        id: row
+        anchors.fill: parent
+        anchors.leftMargin: Appearance.gap
+        anchors.rightMargin: Appearance.gap
         spacing: Appearance.smallGap
 
         Rectangle {
@@ -49,7 +51,7 @@ PressButton {
             Layout.fillWidth: true
             text: root.text
             textFormat: Text.PlainText
-            font: root.font
+            font: Appearance.button
             color: Appearance.text
             elide: Text.ElideRight
         }

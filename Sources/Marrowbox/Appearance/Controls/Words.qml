@@ -1,15 +1,17 @@
 import QtQuick
-import QtQuick.Templates as T
 import Marrowbox.Appearance
 
 // Text on a screen, in one of the fonts of Appearance. Plain text always: names of files are never markup.
-T.Label {
+Text {
     property int tone: Tone.Neutral
+    /// Accessible.Heading for what stands above a part of a page.
+    property int spokenRole: Accessible.StaticText
 
     font: Appearance.body
     color: tone === Tone.Neutral ? Appearance.text : Appearance.toneColor(tone)
     textFormat: Text.PlainText
     elide: wrapMode === Text.NoWrap ? Text.ElideRight : Text.ElideNone
-    lineHeight: wrapMode === Text.NoWrap ? 1 : Appearance.lineHeight
+    lineHeight: lineCount > 1 ? Appearance.lineHeight : 1
     Accessible.name: text
+    Accessible.role: spokenRole
 }
