@@ -13,7 +13,7 @@ T.ApplicationWindow {
     required property SetupScreens screens
     required property Quitting quitting
 
-    title: "Marrowbox"
+    title: qsTr("Marrowbox")
     width: Appearance.windowSize.width
     height: Appearance.windowSize.height
     minimumWidth: Appearance.leastWindowSize.width
