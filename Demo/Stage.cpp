@@ -10,6 +10,10 @@ namespace marrowbox::demo {
 
 namespace {
 
+/// How often, and after how long, an eject is tried again.
+constexpr int attempts = 100;
+constexpr std::chrono::milliseconds pause(50);
+
 fs::path writtenAuthority(const sandbox::SandboxServer& sandbox, const fs::path& folder) {
     const fs::path file = folder / "authority.pem";
     sandbox.writeAuthority(file);
@@ -122,12 +126,18 @@ asio::awaitable<MountedSnapshot> Stage::mount(Snapshot snapshot, SyncUnit unit, 
 }
 
 asio::awaitable<void> Stage::eject(MountedSnapshot mounted, std::stop_token stop) {
-    return mounts_.unmount(std::move(mounted), std::move(stop));
+    const Wait wait = timerWait();
+    // Something on the machine may look at a new volume for a moment; a person would try again.
+    for (int attempt = 1; attempt < attempts; ++attempt) {
+        const auto refusal = co_await refusalToEject(mounts_, mounted);
+        if (!refusal)
+            co_return;
+        co_await wait(pause, stop);
+    }
+    co_await mounts_.unmount(mounted, stop);
 }
 
 asio::awaitable<std::optional<std::string>> Stage::clearVolumes(fs::path folder) {
-    constexpr int attempts = 100;
-    constexpr std::chrono::milliseconds pause(50);
     const auto executor = co_await asio::this_coro::executor;
     SnapshotMount mounts(executor, registryIn(folder), MountMachine::live(surroundingsBelow(folder)));
     const Wait wait = timerWait();
