@@ -92,6 +92,12 @@ std::vector<Announced> allAnnounced() {
          backUp},
         {"storageUsage", Field::storageUsage,
          [](const State& s) { return numberOf(s.storageUsage->bySnapshot.size()); }, backUp},
+        {"isReadingHistory", Field::isReadingHistory,
+         [](const State& s) { return text(*s.isReadingHistory); },
+         [](StoreWorld& world, AppStore& store) {
+             store.reloadSnapshots();
+             world.time.settle();
+         }},
         {"destinationIssue", Field::destinationIssue,
          [](const State& s) { return text(*s.destinationIssue); }, loseTheDisk},
         {"activeUnitID", Field::activeUnitID, [](const State& s) { return text(*s.activeUnitID); }, backUp},
