@@ -109,6 +109,12 @@ std::vector<Scene> newUnitScenes() {
                                      "Google returned an incomplete folder listing. Please try again.");
                     appear(world, model);
                 }),
+        newUnit("new-unit-reconnect", both,
+                [](SetupWorld& world, NewUnitModel& model) {
+                    world.removeCredential(test::anna());
+                    world.store->refreshCredentialAvailability();
+                    appear(world, model);
+                }),
         newUnit("new-unit-ready", both,
                 [](SetupWorld& world, NewUnitModel& model) {
                     appear(world, model);

@@ -32,7 +32,9 @@ void startApplication() {
         return;
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
-    static const QGuiApplication application(count, values);
+    // Left to the end of the process: what else is static may still belong to it.
+    static auto* const application = new QGuiApplication(count, values);
+    QAccessible::setActive(application != nullptr);
 }
 
 using Visit = std::function<bool(QAccessibleInterface&)>;
@@ -45,6 +47,17 @@ bool visit(QAccessibleInterface* element, const Visit& visitor) {
         if (visit(element->child(i), visitor))
             return true;
     return visitor(*element);
+}
+
+bool isScrolledAway(const QQuickItem& item) {
+    for (const QQuickItem* view = item.parentItem(); view; view = view->parentItem()) {
+        if (!view->inherits("QQuickFlickable"))
+            continue;
+        const QRectF shown(0, 0, view->width(), view->height());
+        if (!shown.contains(item.mapRectToItem(view, item.boundingRect())))
+            return true;
+    }
+    return false;
 }
 
 QQmlEngine& installed(QQmlEngine& engine, const ShownScreen::Install& install) {
@@ -91,6 +104,7 @@ void ShownScreen::settle() const {
     for (int round = 0; round < 3; ++round) {
         turn_();
         QCoreApplication::processEvents();
+        window_->grabWindow(); // lays out what has just come
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 }
@@ -144,10 +158,8 @@ void ShownScreen::click(const QString& name) {
     QAccessibleInterface* element = found(name);
     if (!element)
         return;
-    // As far as a person would scroll.
     auto* const item = qobject_cast<QQuickItem*>(element->object());
-    const QRect seen(QPoint(), window_->size());
-    if (item && !seen.contains(window_->mapFromGlobal(element->rect().center())))
+    if (item && isScrolledAway(*item)) // a person would scroll; what gets the focus comes into sight as well
         item->forceActiveFocus(Qt::OtherFocusReason);
     settle();
     const QPoint place = window_->mapFromGlobal(element->rect().center());
@@ -178,9 +190,13 @@ void ShownScreen::tabTo(const QString& name) {
 }
 
 QString ShownScreen::focused() const {
-    QObject* const item = window_->activeFocusItem();
-    QAccessibleInterface* const element = item ? QAccessible::queryAccessibleInterface(item) : nullptr;
-    return element ? element->text(QAccessible::Name) : QString();
+    // A field inside a control has no name of its own.
+    for (QQuickItem* item = window_->activeFocusItem(); item; item = item->parentItem()) {
+        QAccessibleInterface* const element = QAccessible::queryAccessibleInterface(item);
+        if (const QString name = element ? element->text(QAccessible::Name) : QString(); !name.isEmpty())
+            return name;
+    }
+    return {};
 }
 
 QStringList ShownScreen::names() const {

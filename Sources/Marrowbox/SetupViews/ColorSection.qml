@@ -25,6 +25,7 @@ Section {
                 required property var modelData
 
                 Layout.fillWidth: true
+                Layout.preferredWidth: Appearance.tileHeight // alike for all, so that the columns are
                 theme: modelData.name
                 chosen: root.model.theme === modelData.name
                 onClicked: root.model.theme = modelData.name

@@ -8,7 +8,6 @@ ColumnLayout {
     id: root
 
     required property DriveBrowser browser
-    required property bool hasAccount
 
     signal used
 
@@ -55,8 +54,8 @@ ColumnLayout {
         EmptyState {
             anchors.centerIn: parent
             width: parent.width - Appearance.hugeGap
-            visible: root.browser.hasNoSubfolders || !root.hasAccount
-            text: root.hasAccount ? qsTr("No subfolders. Use this folder to include its files.") : qsTr("Choose an account")
+            visible: root.browser.hasNoSubfolders
+            text: qsTr("No subfolders. Use this folder to include its files.")
         }
 
         ActionButton {
@@ -67,11 +66,23 @@ ColumnLayout {
             onClicked: root.browser.reload()
         }
 
-        ProgressLine {
+        ColumnLayout {
             anchors.centerIn: parent
-            width: Appearance.fieldWidth
             visible: root.browser.isLoading
-            label: qsTr("Loading folders")
+            spacing: Appearance.smallGap
+
+            Words {
+                Layout.alignment: Qt.AlignHCenter
+                text: progress.label
+                font: Appearance.caption
+                color: Appearance.muted
+            }
+
+            ProgressLine {
+                id: progress
+                Layout.preferredWidth: Appearance.menuWidth
+                label: qsTr("Loading folders…")
+            }
         }
     }
 }

@@ -15,11 +15,6 @@ Sheet {
     closable: !model.isCreating
     onOpened: model.appear()
 
-    SectionEyebrow {
-        number: qsTr("1")
-        title: qsTr("Google account")
-    }
-
     AccountStep {
         Layout.fillWidth: true
         model: root.model

@@ -8,6 +8,15 @@ Card {
     id: root
 
     required property NewUnitModel model
+    readonly property bool hasAccount: model.accountID !== ""
+
+    Words {
+        Layout.fillWidth: true
+        visible: !root.hasAccount
+        text: root.model.missing
+        color: Appearance.muted
+        wrapMode: Text.Wrap
+    }
 
     RowLayout {
         visible: root.model.hasSource
@@ -46,9 +55,8 @@ Card {
 
     FolderBrowser {
         Layout.fillWidth: true
-        visible: !root.model.hasSource
+        visible: root.hasAccount && !root.model.hasSource
         browser: root.model.browser
-        hasAccount: root.model.accountID !== ""
         onUsed: root.model.useFolder()
     }
 }

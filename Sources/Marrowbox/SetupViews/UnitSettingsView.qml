@@ -32,7 +32,7 @@ Sheet {
         note: qsTr("Every snapshot is incremental. A limited history removes expired snapshots after the next successful one, while always keeping the latest.")
 
         FormRow {
-            label: qsTr("Keep history")
+            label: qsTr("Keep for")
 
             Picker {
                 label: qsTr("Keep history")

@@ -13,9 +13,12 @@ ListView {
     boundsBehavior: Flickable.StopAtBounds
     highlightMoveDuration: 0
     keyNavigationEnabled: true
-    activeFocusOnTab: count > 0
+    // A list that has the focus keeps it while its rows change.
+    activeFocusOnTab: count > 0 || activeFocus
     reuseItems: true
     onActiveFocusChanged: if (activeFocus && currentIndex < 0)
+        currentIndex = 0
+    onCountChanged: if (activeFocus && currentIndex < 0)
         currentIndex = 0
 
     Accessible.role: Accessible.List
