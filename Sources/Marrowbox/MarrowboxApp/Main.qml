@@ -25,22 +25,11 @@ T.ApplicationWindow {
         model: root.model
         welcome: welcome
         menuButton: programMenu
+        onUnitSettingsWanted: unitID => root.screens.editUnit(unitID)
     }
 
     SetupSheets {
         screens: root.screens
-    }
-
-    // The settings of a backup are a sheet like the others.
-    Connections {
-        target: root.model.unitPage
-
-        function onOpenedChanged() {
-            if (!root.model.unitPage.showsOptions)
-                return;
-            root.model.unitPage.showsOptions = false;
-            root.screens.editUnit(root.model.unitPage.unitID);
-        }
     }
 
     Component {
