@@ -2,6 +2,7 @@
 
 #include "Marrowbox/Appearance/AppearanceState.h"
 #include "Marrowbox/Appearance/InstallAppearance.h"
+#include "Marrowbox/SetupViews/InstallSetupViews.h"
 
 #include <QCoreApplication>
 #include <QQmlComponent>
@@ -95,6 +96,7 @@ QImage photograph(const Scene& scene, Light light) {
     const WarningsHeard heard;
     QQmlEngine engine;
     installAppearance(engine);
+    installSetupViews();
     AppearanceState& look = *AppearanceState::of(engine);
     look.setDark(light == Light::dark);
     look.setReducedMotion(true);

@@ -24,6 +24,9 @@ struct Scene {
 /// The pages of the base controls.
 std::vector<Scene> controlScenes();
 
+/// The welcome screen and the sheets.
+std::vector<Scene> setupScenes();
+
 /// Every scene. A family of screens adds a function of its own, like the one above.
 std::vector<Scene> allScenes();
 

@@ -31,7 +31,10 @@ std::vector<Scene> controlScenes() {
 }
 
 std::vector<Scene> allScenes() {
-    return controlScenes();
+    std::vector<Scene> scenes = controlScenes();
+    for (const auto& family : {setupScenes()})
+        scenes.insert(scenes.end(), family.begin(), family.end());
+    return scenes;
 }
 
 } // namespace marrowbox::gallery

@@ -85,6 +85,7 @@ QtObject {
     readonly property int hairline: 1
     readonly property int controlHeight: 32
     readonly property int rowHeight: 40
+    readonly property int shownRows: 4 // of a list inside a sheet
     readonly property int buttonRadius: 9
     readonly property int smallRadius: 7
     readonly property int tileRadius: 10

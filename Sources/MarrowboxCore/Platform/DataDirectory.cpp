@@ -43,4 +43,9 @@ fs::path dataDirectory(const Environment& environment) {
     return applicationData / "Marrowbox";
 }
 
+fs::path settingsDirectory(const Environment& environment) {
+    const fs::path named = folderNamedBy("XDG_CONFIG_HOME", environment);
+    return named.empty() ? homeDirectory(environment) / ".config" : named;
+}
+
 } // namespace marrowbox

@@ -15,4 +15,8 @@ using Environment = std::map<std::string, std::string>;
 /// ($XDG_DATA_HOME, else .local/share in the home folder). An absolute path; the disk is not looked at.
 std::filesystem::path dataDirectory(const Environment& environment);
 
+/// The desktop's folder for settings of programs: $XDG_CONFIG_HOME, else .config in the home folder. An
+/// absolute path; the disk is not looked at.
+std::filesystem::path settingsDirectory(const Environment& environment);
+
 } // namespace marrowbox

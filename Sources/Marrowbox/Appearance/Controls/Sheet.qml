@@ -13,13 +13,15 @@ T.Dialog {
     property string subtitle: ""
     property string closeText: qsTr("Close")
     property bool hasCloseButton: true
+    /// False while the sheet must stay, until what it has begun has come to its end.
+    property bool closable: true
     property int sheetWidth: Appearance.sheetWidth
 
     parent: T.Overlay.overlay
     anchors.centerIn: parent
     modal: true
     focus: true
-    closePolicy: T.Popup.CloseOnEscape
+    closePolicy: closable ? T.Popup.CloseOnEscape : T.Popup.NoAutoClose
     width: Math.min(sheetWidth, parent ? parent.width - Appearance.hugeGap : sheetWidth)
     height: Math.min(implicitHeight, parent ? parent.height - Appearance.hugeGap : implicitHeight)
     implicitHeight: head.implicitHeight + body.implicitHeight + Appearance.largeGap + (foot.visible ? footArea.implicitHeight : 0)
@@ -87,6 +89,7 @@ T.Dialog {
                 visible: root.hasCloseButton
                 symbol: "xmark"
                 help: root.closeText
+                enabled: root.closable
                 onClicked: root.close()
             }
         }

@@ -1,0 +1,54 @@
+import QtQuick
+import QtQuick.Layouts
+import Marrowbox.Appearance
+import Marrowbox.SetupViews
+
+// What is backed up: the chosen place, or the way to one.
+Card {
+    id: root
+
+    required property NewUnitModel model
+
+    RowLayout {
+        visible: root.model.hasSource
+        spacing: Appearance.gap
+
+        Icon {
+            name: root.model.sourceSymbol
+            side: Appearance.mediumIcon
+            color: Appearance.accentOf(Appearance.theme).ink
+        }
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: Appearance.hairGap
+
+            ElidedWords {
+                Layout.fillWidth: true
+                text: root.model.sourceName
+                font: Appearance.strong
+            }
+
+            Words {
+                Layout.fillWidth: true
+                text: root.model.sourceKind
+                font: Appearance.caption
+                color: Appearance.muted
+            }
+        }
+
+        ActionButton {
+            text: qsTr("Change")
+            spokenName: qsTr("Change source")
+            onClicked: root.model.changeSource()
+        }
+    }
+
+    FolderBrowser {
+        Layout.fillWidth: true
+        visible: !root.model.hasSource
+        browser: root.model.browser
+        hasAccount: root.model.accountID !== ""
+        onUsed: root.model.useFolder()
+    }
+}
