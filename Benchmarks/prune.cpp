@@ -1,5 +1,5 @@
-// Pruning a history of 200 snapshots of 20,000 files to its last 20, against `restic forget --prune` of the
-// same history. From one snapshot to the next, one file in a hundred has other content.
+// Pruning a history of 200 snapshots of 20,000 files of 64 KB to its last 20, against `restic forget --prune`
+// of the same history. From one snapshot to the next, one file in a hundred has other content.
 #include "Measuring/Measure.h"
 #include "Measuring/Peers.h"
 #include "Measuring/ScratchRepository.h"
@@ -14,7 +14,7 @@ namespace {
 using namespace marrowbox;
 
 constexpr std::size_t fileCount = 20'000;
-constexpr std::size_t fileSize = 4 << 10;
+constexpr std::size_t fileSize = 64 << 10;
 constexpr std::size_t snapshotCount = 200;
 constexpr std::size_t keptCount = 20;
 constexpr double day = 86400;
