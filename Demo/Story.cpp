@@ -34,24 +34,52 @@ struct Lines {
     std::vector<ReadBackLine> back;
 };
 
-asio::awaitable<void> printLine(std::string line) {
-    std::cout << "  " << line << std::endl;
-    co_return;
-}
-
 void say(const std::string& line) {
     std::cout << "\n" << line << std::endl;
+}
+
+/// Writes down what a backup did, and what the Drive held at that time: nothing changes in it between two
+/// steps of the demonstration.
+asio::awaitable<void> keep(Stage& stage, Place& place, std::string name, Time::duration time, Lines& lines,
+                           std::stop_token stop) {
+    const SnapshotList history = co_await stage.history(place.unit, stop);
+    lines.runs.push_back(runLine(std::move(name), history->front(), time));
+    place.history.push_back({history->front(), pictureOf(stage.sandbox().drive(), place.source)});
+}
+
+asio::awaitable<Place> addPlace(Stage& stage, std::string name, DriveLocation source, Lines& lines,
+                                std::stop_token stop) {
+    say("A new backup: " + name);
+    Place place{.source = source.id};
+    const auto begin = Time::now();
+    place.unit = co_await stage.addUnit(name, std::move(source), stop);
+    co_await keep(stage, place, name + ", first backup", Time::now() - begin, lines, stop);
+    co_return place;
 }
 
 asio::awaitable<void> backUp(Stage& stage, Place& place, std::string which, Lines& lines,
                              std::stop_token stop) {
     const std::string name = place.unit.name + ", " + which + " backup";
-    say(name);
+    say(name + ", as scheduled");
     const auto begin = Time::now();
-    Snapshot snapshot = co_await stage.backUp(place.unit, printLine, stop);
-    lines.runs.push_back(runLine(name, snapshot, Time::now() - begin));
-    // Nothing changes in the Drive between two steps of the demonstration.
-    place.history.push_back({std::move(snapshot), pictureOf(stage.sandbox().drive(), place.source)});
+    const RunRecord run = co_await stage.scheduledBackup(place.unit, stop);
+    co_await keep(stage, place, name, Time::now() - begin, lines, stop);
+}
+
+void tellMails(const Stage& stage) {
+    say("Meanwhile in the mailbox:");
+    for (const std::string& subject : stage.mailSubjects())
+        std::cout << "  " << subject << std::endl;
+}
+
+asio::awaitable<void> shortenHistory(Stage& stage, Place& place, Lines& lines, std::stop_token stop) {
+    const SnapshotList before = co_await stage.history(place.unit, stop);
+    stage.keepHistory(place.unit, 30);
+    stage.sleep(40);
+    co_await backUp(stage, place, "third", lines, stop);
+    const SnapshotList after = co_await stage.history(place.unit, stop);
+    std::cout << "  History is now kept for 30 days: " << before->size() + 1 << " snapshots became "
+              << after->size() << "." << std::endl;
 }
 
 void tellChanges(const sandbox::DemoChanges& changes) {
@@ -73,7 +101,7 @@ asio::awaitable<void> restore(Stage& stage, const Place& place, const Moment& mo
     const std::string name = place.unit.name + ", " + which + " snapshot";
     say("Restoring " + name);
     const auto begin = Time::now();
-    const fs::path folder = co_await stage.restore(moment.snapshot, place.unit, name, stop);
+    const fs::path folder = co_await stage.restore(moment.snapshot, place.unit, stop);
     const auto time = Time::now() - begin;
     lines.back.push_back({name + " restored", compared(folder, moment, stop), time});
 }
@@ -114,24 +142,25 @@ asio::awaitable<void> demonstrate(Stage& stage, std::stop_token stop) {
     auto& drive = stage.sandbox().drive();
     const sandbox::DemoTree tree = sandbox::demoTree(drive);
     say("Signing in to Google");
-    const GoogleAccount account = co_await stage.signIn(stop);
-    std::cout << "  Connected " << account.email << ", read-only." << std::endl;
+    const std::string page = co_await stage.signIn(stop);
+    std::cout << "  The browser shows: " << page << "\n  Connected " << stage.account().email
+              << ", read-only, with leave to send mail." << std::endl;
 
     Lines lines;
-    Place papers{
-        stage.addUnit(account, "Ada's papers", {.id = tree.papers, .name = "Ada's papers"}), tree.papers, {}};
-    Place team{
-        stage.addUnit(account, "Shared drive", {.id = tree.team, .name = "Team", .sharedDriveID = tree.team}),
-        tree.team,
-        {}};
-    co_await backUp(stage, papers, "first", lines, stop);
-    co_await backUp(stage, team, "first", lines, stop);
+    Place papers =
+        co_await addPlace(stage, "Ada's papers", {.id = tree.papers, .name = "Ada's papers"}, lines, stop);
+    Place team = co_await addPlace(
+        stage, "Shared drive", {.id = tree.team, .name = "Team", .sharedDriveID = tree.team}, lines, stop);
     tellChanges(sandbox::changeDemoTree(drive, tree));
+    say("The computer sleeps for a day, and wakes.");
+    stage.sleep(1);
     co_await backUp(stage, papers, "second", lines, stop);
     co_await backUp(stage, team, "second", lines, stop);
     co_await bringBack(stage, papers, lines, stop);
     co_await bringBack(stage, team, lines, stop);
     co_await mount(stage, papers, papers.history.back(), lines, stop);
+    co_await shortenHistory(stage, papers, lines, stop);
+    tellMails(stage);
 
     std::cout << "\n";
     printTable(std::cout, lines.runs, lines.back);

@@ -2,6 +2,7 @@
 // TLS by the real rclone, changed, backed up again, and brought back. Only Google is simulated.
 #include "Demo/Stage.h"
 #include "Demo/Story.h"
+#include "Demo/Volumes.h"
 #include "Models/BackupError.h"
 #include "Platform/Cancellation.h"
 #include "Platform/Files.h"
@@ -22,7 +23,7 @@ constexpr int interruptedStatus = 130;
 /// What a run of the demonstration that was killed may have left mounted is ejected first.
 asio::awaitable<void> prepare(fs::path folder) {
     if (fs::exists(folder / "MountedSnapshots"))
-        co_await Stage::clearVolumes(folder);
+        co_await clearVolumes(folder);
     removeTree(folder);
     makeDirectories(folder.parent_path());
     makeDirectory(folder, 0700);
@@ -41,8 +42,9 @@ asio::awaitable<void> perform(fs::path folder, std::stop_token stop) {
         } catch (...) {
             failure = std::current_exception();
         }
+        co_await asio::co_spawn(stage.executor(), stage.windDown(), asio::use_awaitable);
     }
-    const auto issue = co_await Stage::clearVolumes(folder);
+    const auto issue = co_await clearVolumes(folder);
     if (issue)
         throw BackupError("A volume could not be taken away, so its files stay in " + folder.string() + ". " +
                           *issue);

@@ -2,6 +2,7 @@
 
 #include "Marrowbox/Appearance/AppearanceState.h"
 #include "Marrowbox/Appearance/InstallAppearance.h"
+#include "Marrowbox/ContentView/InstallContentView.h"
 #include "Marrowbox/SetupViews/InstallSetupViews.h"
 
 #include <QCoreApplication>
@@ -96,6 +97,7 @@ QImage photograph(const Scene& scene, Light light) {
     const WarningsHeard heard;
     QQmlEngine engine;
     installAppearance(engine);
+    installContentView();
     installSetupViews();
     AppearanceState& look = *AppearanceState::of(engine);
     look.setDark(light == Light::dark);

@@ -24,6 +24,9 @@ struct Scene {
 /// The pages of the base controls.
 std::vector<Scene> controlScenes();
 
+/// The main window and the page of a backup.
+std::vector<Scene> contentScenes();
+
 /// The welcome screen and the sheets.
 std::vector<Scene> setupScenes();
 

@@ -32,7 +32,7 @@ std::vector<Scene> controlScenes() {
 
 std::vector<Scene> allScenes() {
     std::vector<Scene> scenes = controlScenes();
-    for (const auto& family : {setupScenes()})
+    for (const auto& family : {contentScenes(), setupScenes()})
         scenes.insert(scenes.end(), family.begin(), family.end());
     return scenes;
 }

@@ -103,6 +103,7 @@ void RecordingDesktop::takeVolumeAway() const {
 
 LoginItemStatus RecordingDesktop::loginItemStatus() {
     memory_->add("loginItemStatus");
+    throwIfSet(statusFailure);
     return loginItem;
 }
 

@@ -35,6 +35,7 @@ class RecordingDesktop : public Desktop {
     LoginItemStatus loginItem = LoginItemStatus::disabled;
     /// What the login item becomes when it is registered.
     LoginItemStatus registered = LoginItemStatus::enabled;
+    std::exception_ptr statusFailure;       ///< Of asking for it.
     std::exception_ptr registrationFailure; ///< Of registering and of unregistering.
     bool opensPages = true;
     std::exception_ptr makingFailure; ///< Of a bookmark.

@@ -5,16 +5,6 @@
 
 namespace marrowbox::test {
 
-namespace {
-
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool isSanitized = true;
-#else
-constexpr bool isSanitized = false;
-#endif
-
-} // namespace
-
 std::vector<int> Scene::historyBefore() const {
     std::vector<int> generations(static_cast<std::size_t>(generation - 1));
     std::iota(generations.begin(), generations.end(), 1);
@@ -50,14 +40,6 @@ int countCalls(const Destination& destination, int generation, const Condition& 
     const DisturbedEnd end = runDisturbed(copy, generation, 0, Answer::proceed(), counts);
     EXPECT_EQ(end.status, 0) << "an undisturbed run";
     return end.calls;
-}
-
-std::vector<int> spread(int last, int atMost) {
-    const int count = std::min(last, isSanitized ? atMost / 4 : atMost);
-    std::vector<int> numbers;
-    for (int index = 0; index < count; ++index)
-        numbers.push_back(1 + static_cast<int>(std::int64_t{index} * last / count));
-    return numbers;
 }
 
 void expectUnharmed(const Destination& destination, const Scene& scene) {

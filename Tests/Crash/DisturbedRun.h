@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Destination.h"
+#include "Support/Spread.h"
 #include "Support/WatchedProgram.h"
 
 #include <functional>
@@ -41,10 +42,6 @@ DisturbedEnd runDisturbed(const Destination& destination, int generation, int nu
 
 /// Runs the same undisturbed and gives the number of its calls that satisfy the condition.
 int countCalls(const Destination& destination, int generation, const Condition& counts);
-
-/// At most so many numbers from 1 to the last, spread evenly; a quarter of that in the slow builds that look
-/// for faults of memory and threads.
-std::vector<int> spread(int last, int atMost);
 
 /// Expects that a disturbed run left a whole history, with its own snapshot or without it, and that the next
 /// run succeeds.

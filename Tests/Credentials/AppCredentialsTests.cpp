@@ -30,6 +30,25 @@ TEST(AppCredentials, doesNotAskWhetherItContainsABadKey) {
     EXPECT_THROW(credentials.contains("google 1"), BackupError);
 }
 
+TEST(AppCredentials, tellsAllKeysAtOnce) {
+    test::ScratchFolder folder;
+    const AppCredentials credentials(folder / "Credentials");
+    EXPECT_EQ(credentials.keys(), std::set<std::string>());
+    credentials.save("token", "google.1");
+    credentials.save("token", "google.2");
+    EXPECT_EQ(credentials.keys(), (std::set<std::string>{"google.1", "google.2"}));
+}
+
+TEST(AppCredentials, tellNoKeyThatCannotBeRead) {
+    test::ScratchFolder folder;
+    const AppCredentials credentials(folder / "Credentials");
+    credentials.save("token", "google.1");
+    std::string text = readFile(folder / "Credentials" / "credentials.json");
+    text.replace(text.find("google.1"), 8, "google 1");
+    writeAll(openFile(folder / "Credentials" / "credentials.json", O_WRONLY | O_TRUNC), text);
+    EXPECT_EQ(credentials.keys(), std::set<std::string>());
+}
+
 TEST(AppCredentials, readsAnewEachTime) {
     test::ScratchFolder folder;
     const AppCredentials one(folder / "Credentials");

@@ -122,7 +122,7 @@ TEST(DemoProgram, signsInBacksUpBringsBackAndComparesEveryByte) {
     DemoProgram demo;
     EXPECT_EQ(demo.status(), 0) << demo.written();
     EXPECT_THAT(demo.written(), HasSubstr("You can return to Marrowbox. This window may be closed."));
-    EXPECT_THAT(demo.written(), HasSubstr("Connected ada@example.com, read-only."));
+    EXPECT_THAT(demo.written(), HasSubstr("Connected ada@example.com, read-only, with leave to send mail."));
     for (const char* line : {"Ada's papers, first snapshot restored", "Ada's papers, last snapshot restored",
                              "Shared drive, first snapshot restored", "Shared drive, last snapshot restored"})
         EXPECT_THAT(demo.written(),

@@ -94,7 +94,7 @@ void VirtualTime::advance(double seconds) {
     }
 }
 
-void VirtualTime::sleep(double seconds) {
+void VirtualTime::jump(double seconds) {
     state_->now = state_->now + seconds;
 }
 

@@ -33,7 +33,7 @@ class VirtualTime {
     /// one starts come to its end.
     void advance(double seconds);
     /// Moves the clock at once, as a machine that slept: no wait comes to its end by that.
-    void sleep(double seconds);
+    void jump(double seconds);
 
   private:
     struct State;

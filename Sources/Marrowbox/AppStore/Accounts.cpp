@@ -13,6 +13,15 @@ std::string credentialName(const std::string& accountID) {
     return "google." + accountID;
 }
 
+/// The names of the stored credentials; absent when the store cannot tell at the moment.
+std::optional<std::set<std::string>> credentialsIn(const AppCredentials& store) {
+    try {
+        return store.keys();
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
 bool isInUse(const AppConfiguration& configuration, const std::string& accountID) {
     return configuration.email.accountID == accountID ||
            std::ranges::find(configuration.units, accountID, &SyncUnit::accountID) !=
@@ -54,6 +63,7 @@ asio::awaitable<void> AppStore::signIn(bool email, std::optional<GoogleAccount> 
         request.hint = account->email;
     }
     try {
+        requireWritable();
         const OAuthToken token = co_await googleSignIn_.authorize(request, stop);
         const GoogleAccount signedIn = co_await auth->save(token, stop);
         addAccount(signedIn, email);
@@ -63,8 +73,8 @@ asio::awaitable<void> AppStore::signIn(bool email, std::optional<GoogleAccount> 
     } catch (const std::exception& failure) {
         report(failure);
     }
-    state_.isConnecting.set(false);
     signInTask_.reset();
+    state_.isConnecting.set(false);
 }
 
 void AppStore::addAccount(const GoogleAccount& account, bool email) {
@@ -89,6 +99,7 @@ void AppStore::removeAccount(const GoogleAccount& account) {
         return;
     }
     try {
+        requireWritable();
         credentials_.remove(credentialName(id));
         state_.configuration.change([&](AppConfiguration& current) {
             std::erase_if(current.accounts, [&](const GoogleAccount& known) { return known.id == id; });
@@ -102,18 +113,13 @@ void AppStore::removeAccount(const GoogleAccount& account) {
 
 void AppStore::refreshCredentialAvailability() {
     const std::set<std::string>& known = *state_.availableCredentials;
+    const std::vector<GoogleAccount>& accounts = state_.configuration->accounts;
+    const auto stored = accounts.empty() ? std::nullopt : credentialsIn(credentials_);
     std::set<std::string> available;
-    for (const GoogleAccount& account : state_.configuration->accounts) {
-        bool isThere = known.contains(account.id);
-        try {
-            isThere = credentials_.contains(credentialName(account.id));
-        } catch (const std::exception&) {
-            // A store that cannot be read for a moment says nothing about its accounts: what was known
-            // stands.
-        }
-        if (isThere)
+    for (const GoogleAccount& account : accounts)
+        // A store that cannot be read for a moment says nothing about its accounts: what was known stands.
+        if (stored ? stored->contains(credentialName(account.id)) : known.contains(account.id))
             available.insert(account.id);
-    }
     if (available != known) // publishing redraws the screens, and this runs every 30 seconds
         state_.availableCredentials.set(std::move(available));
 }

@@ -32,6 +32,9 @@ class AppState {
     /// Those of the selected unit, newest first; never null.
     Published<SnapshotList> snapshots{changes_, Field::snapshots,
                                       std::make_shared<const std::vector<Snapshot>>()};
+    /// The selected unit's history is being read. Until it has been, no snapshots does not mean that there
+    /// are none.
+    Published<bool> isReadingHistory{changes_, Field::isReadingHistory};
     Published<BackupStorageUsage> storageUsage{changes_, Field::storageUsage}; ///< Of the selected unit.
     /// Why the selected unit's destination cannot be read.
     Published<std::optional<std::string>> destinationIssue{changes_, Field::destinationIssue};

@@ -1,6 +1,8 @@
 #include "Marrowbox/AppStore/AppStore.h"
 
 #include "Marrowbox/AppStore/Failure.h"
+#include "Marrowbox/AppStore/HeldFlag.h"
+#include "Marrowbox/AppStore/OnExecutor.h"
 #include "Models/BackupError.h"
 #include "Models/JSONFile.h"
 #include "Platform/Cancellation.h"
@@ -56,11 +58,36 @@ void AppStore::showNewUnit(bool shown) {
     state_.showNewUnit.set(shown);
 }
 
-void AppStore::persist() {
+void AppStore::requireWritable() const {
     if (!configurationIsReadable_)
         throw BackupError(
             "Configuration could not be loaded. It has been preserved; automatic backups are paused.");
+}
+
+void AppStore::persist() {
+    requireWritable();
     JSONFile::write(*state_.configuration, dataDirectory_ / "Configuration.json");
+    synchronizeConfiguration();
+}
+
+void AppStore::synchronizeConfiguration() {
+    if (std::exchange(isSynchronizing_, true))
+        synchronizesAgain_ = true;
+    else
+        spawn(waitForTheDisk());
+}
+
+asio::awaitable<void> AppStore::waitForTheDisk() {
+    // Some file systems write the new name before the new content, and a power cut between the two leaves an
+    // empty file. The wait for the disk keeps that moment short, and is no business of the main thread's.
+    const HeldFlag synchronizing(isSynchronizing_);
+    do {
+        synchronizesAgain_ = false;
+        co_await onExecutor(around_.pool, [folder = dataDirectory_] {
+            synchronizeFile(folder / "Configuration.json");
+            synchronizeFolder(folder);
+        });
+    } while (synchronizesAgain_);
 }
 
 void AppStore::persistOrReport() {

@@ -100,7 +100,12 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     /// Starts work that knows the store weakly, and that a cancellation ends without a word.
     void spawnWeakly(asio::awaitable<void> work);
     void report(const std::exception& failure);
+    /// Throws BackupError when nothing of the program's own may be written, credentials and client included:
+    /// they may belong to another copy of the program, or to a later version.
+    void requireWritable() const;
     void persistOrReport();
+    void synchronizeConfiguration();
+    asio::awaitable<void> waitForTheDisk();
 
     void bringUp();
     void load();
@@ -110,6 +115,7 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     void loadClient(const fs::path& file);
     void publishClient(const OAuthClient& client);
     void readLoginItem();
+    void readLoginItemAtStart();
     void observeDesktop();
     asio::awaitable<void> settle();
     static asio::awaitable<void> keepTime(std::weak_ptr<AppStore> store, Wait wait);
@@ -131,7 +137,11 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
 
     struct History;
     static History readHistory(const fs::path& destination, const Uuid& unitID);
+    /// Shows another unit, with nothing of its history yet; false when it is shown already.
+    bool moveSelection(std::optional<Uuid> unitID);
     void publishHistory(History history, std::optional<std::string> issue);
+    class HistoryReading;
+    asio::awaitable<void> readSelectedHistory(std::unique_ptr<HistoryReading> reading);
     asio::awaitable<void> mount(Snapshot snapshot, SyncUnit unit, std::stop_token stop);
     void publishMountResult(std::optional<std::string> issue);
     asio::awaitable<void> openValidated(Uuid id);
@@ -144,16 +154,18 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
                                                   std::stop_token stop);
     asio::awaitable<void> reconcileMounts();
 
-    asio::awaitable<void> passEmails();
-    asio::awaitable<void> deliverImmediateEmails();
-    asio::awaitable<void> deliverDigests();
+    /// Sends what is due, unless that is being done. A stop leaves unsent mail as it is.
+    asio::awaitable<void> passEmails(std::stop_token stop);
+    asio::awaitable<void> deliverImmediateEmails(std::stop_token stop);
+    asio::awaitable<void> deliverDigests(std::stop_token stop);
+    std::vector<Uuid> unitsWithDigest(Date now) const;
     std::vector<RunRecord> runsToMail(Date now) const;
     const EmailSettings& mailSettings(const RunRecord& run) const;
     bool canMail(const EmailSettings& settings) const;
-    asio::awaitable<void> deliverDigest(SyncUnit unit, Date now);
+    asio::awaitable<void> deliverDigest(SyncUnit unit, Date now, std::stop_token stop);
     std::vector<RunRecord> runsForDigest(const Uuid& unitID, Date now) const;
     asio::awaitable<std::optional<std::string>> send(std::function<EmailMessage()> compose, Uuid id,
-                                                     EmailSettings settings);
+                                                     EmailSettings settings, std::stop_token stop);
     /// Writes down what became of the mail about these runs; false when none of them is there any more.
     bool note(const std::set<Uuid>& runs, const std::optional<std::string>& issue, Date sentAt);
 
@@ -167,7 +179,12 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     std::optional<std::stop_source> backupTask_;
     std::optional<std::stop_source> signInTask_;
     std::optional<std::stop_source> exploreTask_;
+    int historyReaders_ = 0;
     bool processingEmail_ = false;
+    bool isChoosing_ = false; ///< The user looks at a chooser of files or folders.
+    bool isSynchronizing_ = false;
+    bool synchronizesAgain_ = false;
+    int refreshes_ = 0;
     bool configurationIsReadable_ = true;
     std::optional<RepositoryLock> lifetimeLock_;
     std::optional<std::stop_source> reconcileTask_;

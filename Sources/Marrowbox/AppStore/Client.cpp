@@ -1,4 +1,5 @@
 #include "Marrowbox/AppStore/AppStore.h"
+#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Models/BackupError.h"
 #include "Platform/Files.h"
 
@@ -37,6 +38,9 @@ void AppStore::importClient() {
 }
 
 asio::awaitable<void> AppStore::chooseClient() {
+    if (isChoosing_)
+        co_return;
+    const HeldFlag choosing(isChoosing_);
     const std::optional<fs::path> chosen = co_await around_.desktop.chooseJSONFile(
         "Choose the Desktop OAuth client JSON downloaded from Google Cloud.");
     if (!chosen)
@@ -49,6 +53,7 @@ asio::awaitable<void> AppStore::chooseClient() {
 }
 
 void AppStore::adoptClient(const fs::path& file) {
+    requireWritable();
     const OAuthClient client = OAuthClient::load(file);
     const std::string bytes = readFile(file);
     AtomicFile copy(dataDirectory_ / importedClientName);

@@ -1,8 +1,10 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/Failure.h"
+#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Models/BackupError.h"
 #include "Models/EmailSettingsValidation.h"
 #include "Models/NotificationDigest.h"
+#include "Platform/Cancellation.h"
 
 #include <algorithm>
 #include <boost/asio/co_spawn.hpp>
@@ -18,6 +20,11 @@ bool isDue(const RunRecord& run, Date now) {
 
 bool isImmediate(const RunRecord& run) {
     return run.notificationPolicy.value_or(NotificationPolicy::all) == NotificationPolicy::all;
+}
+
+bool isDigestDue(const SyncUnit& unit, Date now) {
+    return unit.notifications == NotificationPolicy::daily &&
+           NotificationDigest::isDue(unit.lastDigestAt, now);
 }
 
 bool isForDigest(const RunRecord& run) {
@@ -37,9 +44,10 @@ void markFailed(RunRecord& run, const std::string& issue, Date at) {
 }
 
 asio::awaitable<void> composeAndSend(EmailDelivery delivery, std::function<EmailMessage()> compose, Uuid id,
-                                     EmailSettings settings, std::vector<GoogleAccount> accounts) {
+                                     EmailSettings settings, std::vector<GoogleAccount> accounts,
+                                     std::stop_token stop) {
     EmailMessage message = compose();
-    co_await delivery.send(std::move(message), id, std::move(settings), std::move(accounts), {});
+    co_await delivery.send(std::move(message), id, std::move(settings), std::move(accounts), std::move(stop));
 }
 
 } // namespace
@@ -68,16 +76,15 @@ void AppStore::retryEmails() {
                 run.nextEmailAttempt.reset();
     });
     persistOrReport();
-    spawn(passEmails());
+    spawn(passEmails({}));
 }
 
-asio::awaitable<void> AppStore::passEmails() {
+asio::awaitable<void> AppStore::passEmails(std::stop_token stop) {
     if (processingEmail_ || !configurationIsReadable_)
         co_return;
-    processingEmail_ = true;
-    co_await deliverImmediateEmails();
-    co_await deliverDigests();
-    processingEmail_ = false;
+    const HeldFlag processing(processingEmail_);
+    co_await deliverImmediateEmails(stop);
+    co_await deliverDigests(stop);
 }
 
 const EmailSettings& AppStore::mailSettings(const RunRecord& run) const {
@@ -98,7 +105,7 @@ std::vector<RunRecord> AppStore::runsToMail(Date now) const {
     return due;
 }
 
-asio::awaitable<void> AppStore::deliverImmediateEmails() {
+asio::awaitable<void> AppStore::deliverImmediateEmails(std::stop_token stop) {
     const std::vector<RunRecord> due = runsToMail(around_.clock());
     for (const RunRecord& run : due) {
         const EmailSettings settings = mailSettings(run);
@@ -107,21 +114,23 @@ asio::awaitable<void> AppStore::deliverImmediateEmails() {
         const auto compose = [run, formats = around_.formats(), now = around_.clock()] {
             return EmailMessage::of(run, formats, now);
         };
-        const auto issue = co_await send(compose, run.id, settings);
+        const auto issue = co_await send(compose, run.id, settings, stop);
         if (note({run.id}, issue, around_.clock()))
             persistOrReport();
     }
 }
 
 asio::awaitable<std::optional<std::string>> AppStore::send(std::function<EmailMessage()> compose, Uuid id,
-                                                           EmailSettings settings) {
+                                                           EmailSettings settings, std::stop_token stop) {
     const EmailDelivery delivery{*state_.auth, around_.http, around_.formats(), around_.clock};
     try {
         co_await asio::co_spawn(around_.pool,
                                 composeAndSend(delivery, std::move(compose), id, std::move(settings),
-                                               state_.configuration->accounts),
+                                               state_.configuration->accounts, std::move(stop)),
                                 asio::use_awaitable);
         co_return std::nullopt;
+    } catch (const CancellationError&) { // the mail did not fail: it waits
+        throw;
     } catch (const std::exception& failure) {
         co_return words(failure);
     }
@@ -143,19 +152,31 @@ bool AppStore::note(const std::set<Uuid>& runs, const std::optional<std::string>
     return found;
 }
 
-asio::awaitable<void> AppStore::deliverDigests() {
+asio::awaitable<void> AppStore::deliverDigests(std::stop_token stop) {
     const Date now = around_.clock();
-    std::vector<Uuid> ids;
-    for (const SyncUnit& unit : state_.configuration->units)
-        ids.push_back(unit.id);
+    const std::vector<Uuid> ids = unitsWithDigest(now);
     for (const Uuid& id : ids) {
         // Looked up at its turn, since the mail before it took its time.
         const SyncUnit* const unit = state_.unit(id);
-        const bool isDue = unit && unit->notifications == NotificationPolicy::daily &&
-                           NotificationDigest::isDue(unit->lastDigestAt, now);
-        if (isDue)
-            co_await deliverDigest(*unit, now);
+        if (unit && isDigestDue(*unit, now))
+            co_await deliverDigest(*unit, now, stop);
     }
+}
+
+std::vector<Uuid> AppStore::unitsWithDigest(Date now) const {
+    std::vector<Uuid> due;
+    for (const SyncUnit& unit : state_.configuration->units)
+        if (isDigestDue(unit, now))
+            due.push_back(unit.id);
+    if (due.empty())
+        return due;
+    // One walk through a long history for all units together.
+    std::set<Uuid> pending;
+    for (const RunRecord& run : state_.configuration->runs)
+        if (isForDigest(run) && isDue(run, now))
+            pending.insert(run.unitID);
+    std::erase_if(due, [&](const Uuid& id) { return !pending.contains(id); });
+    return due;
 }
 
 std::vector<RunRecord> AppStore::runsForDigest(const Uuid& unitID, Date now) const {
@@ -168,7 +189,7 @@ std::vector<RunRecord> AppStore::runsForDigest(const Uuid& unitID, Date now) con
     return pending;
 }
 
-asio::awaitable<void> AppStore::deliverDigest(SyncUnit unit, Date now) {
+asio::awaitable<void> AppStore::deliverDigest(SyncUnit unit, Date now, std::stop_token stop) {
     std::vector<RunRecord> pending = runsForDigest(unit.id, now);
     if (pending.empty())
         co_return;
@@ -180,7 +201,7 @@ asio::awaitable<void> AppStore::deliverDigest(SyncUnit unit, Date now) {
     const auto compose = [pending = std::move(pending), name = unit.name, formats = around_.formats()] {
         return EmailMessage::digest(pending, name, formats);
     };
-    const auto issue = co_await send(compose, first, settings);
+    const auto issue = co_await send(compose, first, settings, std::move(stop));
     note(ids, issue, now);
     if (!issue)
         state_.configuration.change([&](AppConfiguration& current) {

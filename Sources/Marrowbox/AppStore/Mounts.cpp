@@ -39,7 +39,8 @@ void AppStore::cancelExploring() {
 asio::awaitable<void> AppStore::mount(Snapshot snapshot, SyncUnit unit, std::stop_token stop) {
     try {
         const fs::path folder = co_await destination(unit);
-        const SnapshotMount::Mounted mounted = co_await mounts_.mount(snapshot, unit, folder, stop);
+        const SnapshotMount::Mounted mounted =
+            co_await mounts_.mount(std::move(snapshot), std::move(unit), folder, std::move(stop));
         state_.mounted.change([&](MountedByID& known) { known.insert_or_assign(mounted.id, mounted); });
         publishMountResult(std::nullopt);
         around_.desktop.openFolder(mounted.volume);

@@ -1,4 +1,5 @@
 #include "Marrowbox/AppStore/AppStore.h"
+#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Platform/Cancellation.h"
 
 namespace marrowbox {
@@ -10,8 +11,14 @@ void AppStore::restore(const Snapshot& snapshot) {
 }
 
 asio::awaitable<void> AppStore::chooseAndRestore(Snapshot snapshot, SyncUnit unit) {
-    const std::optional<fs::path> folder = co_await around_.desktop.chooseFolder(
-        "Choose a folder. Marrowbox will restore into a new subfolder and preserve existing files.");
+    if (isChoosing_)
+        co_return;
+    std::optional<fs::path> folder;
+    {
+        const HeldFlag choosing(isChoosing_);
+        folder = co_await around_.desktop.chooseFolder(
+            "Choose a folder. Marrowbox will restore into a new subfolder and preserve existing files.");
+    }
     // A mount may have begun while the user was choosing.
     if (!folder || *state_.isExploring)
         co_return;

@@ -83,21 +83,22 @@ void AppStore::cancelBackup() {
 
 asio::awaitable<void> AppStore::backUp(SyncUnit unit, RunRecord record, std::stop_token stop) {
     const RunInProgress inProgress(*this);
-    record = co_await attempt(unit, std::move(record), std::move(stop));
+    record = co_await attempt(unit, std::move(record), stop);
     finish(record, unit);
     co_await refreshSnapshots();
-    co_await passEmails();
+    co_await passEmails(std::move(stop));
 }
 
 asio::awaitable<RunRecord> AppStore::attempt(SyncUnit unit, RunRecord record, std::stop_token stop) {
     try {
         const fs::path folder = co_await destination(unit);
         auto source = around_.makeSource(unit, *state_.auth, *around_.rclone);
-        const Snapshot snapshot =
+        Snapshot snapshot =
             co_await engine_.run(unit, folder, std::move(source), progressOf(), std::move(stop));
         record.outcome = RunOutcome::succeeded;
         record.summary = snapshot.summary;
         record.snapshotID = snapshot.id;
+        letGoOn(around_.pool, std::move(snapshot));
         record.detail = co_await cleanUpHistory(unit, folder);
     } catch (const CancellationError&) {
         record.outcome = RunOutcome::cancelled;

@@ -21,7 +21,7 @@ void AppStore::tick() {
             due->schedule.missedOccurrences(*due->nextRun, now, grace, around_.calendar(), mostMissedRuns);
         run(*due, missed);
     }
-    spawn(passEmails());
+    spawn(passEmails({}));
 }
 
 const SyncUnit* AppStore::firstDueUnit(Date now) const {

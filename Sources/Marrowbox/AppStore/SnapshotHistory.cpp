@@ -4,13 +4,36 @@
 #include "Repository/BackupRepository.h"
 
 #include <algorithm>
-#include <boost/asio/post.hpp>
 
 namespace marrowbox {
 
 struct AppStore::History {
     SnapshotList snapshots = std::make_shared<const std::vector<Snapshot>>();
     BackupStorageUsage storageUsage;
+};
+
+/// Tells, while it lives, that the history is being read. The work that holds it keeps the store alive.
+class AppStore::HistoryReading {
+  public:
+    explicit HistoryReading(AppStore& store) : store_(store) {
+        ++store_.historyReaders_;
+        tell();
+    }
+    HistoryReading(const HistoryReading&) = delete;
+    HistoryReading& operator=(const HistoryReading&) = delete;
+    ~HistoryReading() {
+        --store_.historyReaders_;
+        tell();
+    }
+
+  private:
+    void tell() {
+        const bool isReading = store_.historyReaders_ > 0;
+        if (isReading != *store_.state_.isReadingHistory)
+            store_.state_.isReadingHistory.set(isReading);
+    }
+
+    AppStore& store_;
 };
 
 AppStore::History AppStore::readHistory(const fs::path& destination, const Uuid& unitID) {
@@ -21,20 +44,29 @@ AppStore::History AppStore::readHistory(const fs::path& destination, const Uuid&
 }
 
 void AppStore::publishHistory(History history, std::optional<std::string> issue) {
-    // A long history has millions of entries; the last to let go of it spends the time that this takes.
     SnapshotList old = *state_.snapshots;
     state_.snapshots.set(std::move(history.snapshots));
-    asio::post(around_.pool, [old = std::move(old)] {});
+    letGoOn(around_.pool, std::move(old));
     state_.storageUsage.set(std::move(history.storageUsage));
     state_.destinationIssue.set(std::move(issue));
+}
+
+bool AppStore::moveSelection(std::optional<Uuid> unitID) {
+    if (unitID == *state_.selectedUnitID)
+        return false;
+    state_.selectedUnitID.set(unitID);
+    // Nobody may take the snapshots of one unit for those of another while these are being read.
+    publishHistory({}, std::nullopt);
+    return true;
 }
 
 void AppStore::select(std::optional<Uuid> unitID) {
     if (unitID == *state_.selectedUnitID)
         return;
-    state_.selectedUnitID.set(unitID);
-    publishHistory({}, std::nullopt);
-    reloadSnapshots();
+    // Begun first, so that nobody takes the new unit's history for empty before it has been read.
+    asio::awaitable<void> refreshing = refreshSnapshots();
+    moveSelection(unitID);
+    spawn(std::move(refreshing));
 }
 
 void AppStore::reloadSnapshots() {
@@ -42,12 +74,17 @@ void AppStore::reloadSnapshots() {
 }
 
 asio::awaitable<void> AppStore::refreshSnapshots() {
+    return readSelectedHistory(std::make_unique<HistoryReading>(*this));
+}
+
+asio::awaitable<void> AppStore::readSelectedHistory(std::unique_ptr<HistoryReading>) {
     const SyncUnit* const selected = state_.selectedUnit();
     if (!selected) {
         publishHistory({}, std::nullopt);
         co_return;
     }
     const SyncUnit unit = *selected;
+    const int refresh = ++refreshes_;
     History history;
     std::optional<std::string> issue;
     try {
@@ -57,9 +94,11 @@ asio::awaitable<void> AppStore::refreshSnapshots() {
     } catch (const std::exception& failure) {
         issue = words(failure);
     }
-    // Whoever has moved on to another unit has another refresh on the way, and must not see these figures.
-    if (*state_.selectedUnitID == unit.id)
+    // Whoever has moved on to another unit must not see these figures, and a later refresh knows better.
+    if (*state_.selectedUnitID == unit.id && refresh == refreshes_)
         publishHistory(std::move(history), std::move(issue));
+    else
+        letGoOn(around_.pool, std::move(history));
 }
 
 } // namespace marrowbox

@@ -38,7 +38,7 @@ void AppStore::load() {
     if (!state_.configuration->units.empty())
         state_.selectedUnitID.set(state_.configuration->units.front().id);
     loadClientAtStart();
-    readLoginItem();
+    readLoginItemAtStart();
     persist();
 }
 
@@ -71,6 +71,14 @@ void AppStore::readLoginItem() {
     const LoginItemStatus status = around_.desktop.loginItemStatus();
     state_.startAtLogin.set(status == LoginItemStatus::enabled);
     state_.loginRequiresApproval.set(status == LoginItemStatus::requiresApproval);
+}
+
+void AppStore::readLoginItemAtStart() {
+    try {
+        readLoginItem();
+    } catch (const std::exception&) {
+        // Whether the program starts at login is no reason to make no backups.
+    }
 }
 
 asio::awaitable<void> AppStore::settle() {

@@ -9,6 +9,7 @@ enum class StoreField {
     configuration,
     selectedUnitID,
     snapshots,
+    isReadingHistory,
     storageUsage,
     destinationIssue,
     activeUnitID,

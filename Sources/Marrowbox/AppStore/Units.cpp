@@ -11,10 +11,10 @@ asio::awaitable<void> AppStore::addUnit(SyncUnit unit, fs::path destination) {
     if (!configurationIsReadable_)
         throw BackupError("Configuration is unavailable.");
     const auto self = shared_from_this();
-    const BackupRepository repository(destination, unit.id);
-    co_await onExecutor(around_.pool, [&repository] { repository.initialize(); });
+    co_await onExecutor(around_.pool,
+                        [repository = BackupRepository(destination, unit.id)] { repository.initialize(); });
     state_.configuration.change([&](AppConfiguration& current) { current.units.push_back(unit); });
-    state_.selectedUnitID.set(unit.id);
+    moveSelection(unit.id);
     persist();
     spawn(refreshAndBackUp(std::move(unit)));
 }
@@ -44,7 +44,7 @@ void AppStore::removeUnit(const SyncUnit& unit) {
         std::erase_if(current.units, [&](const SyncUnit& known) { return known.id == id; });
     });
     const auto& left = state_.configuration->units;
-    state_.selectedUnitID.set(left.empty() ? std::nullopt : std::optional(left.front().id));
+    moveSelection(left.empty() ? std::nullopt : std::optional(left.front().id));
     persistOrReport();
     reloadSnapshots();
 }

@@ -113,6 +113,13 @@ QtObject {
     readonly property int stepperWidth: 72
     readonly property int shadowSpread: 12
 
+    // Lists of a backup's page
+    readonly property int historyRowHeight: 60
+    readonly property int emailWidth: 128
+    readonly property int sizesWidth: 120
+    readonly property int rowActionsWidth: 60
+    readonly property int mostActivityHeight: 400
+
     // Opacities
     readonly property real opaque: 1
     readonly property real disabledOpacity: 0.42

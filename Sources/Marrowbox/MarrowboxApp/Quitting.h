@@ -5,6 +5,7 @@
 #include <QObject>
 #include <functional>
 #include <memory>
+#include <qqmlregistration.h>
 
 namespace marrowbox {
 
@@ -12,6 +13,8 @@ namespace marrowbox {
 /// however long that takes, so that its record and its work folder are in order. On the main thread.
 class Quitting : public QObject {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("")
     Q_PROPERTY(bool isAsking READ isAsking NOTIFY changed)
     Q_PROPERTY(bool isWindingDown READ isWindingDown NOTIFY changed)
     Q_PROPERTY(QString question READ question CONSTANT)

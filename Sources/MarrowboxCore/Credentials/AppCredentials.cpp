@@ -14,6 +14,10 @@ bool AppCredentials::contains(const std::string& key) const {
     return read(key).has_value();
 }
 
+std::set<std::string> AppCredentials::keys() const {
+    return store_.access([](const CredentialFileStore::Access& held) { return held.keys(); });
+}
+
 void AppCredentials::save(const std::string& bytes, const std::string& key) const {
     store_.access([&](const CredentialFileStore::Access& held) { held.save(bytes, key); });
 }

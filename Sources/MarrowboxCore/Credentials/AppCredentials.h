@@ -3,6 +3,8 @@
 #include "Credentials/CredentialFileStore.h"
 #include "Platform/DataDirectory.h"
 
+#include <set>
+
 namespace marrowbox {
 
 /// Where the program keeps its credentials: "Credentials" in its data folder.
@@ -17,6 +19,8 @@ class AppCredentials {
     /// The bytes kept under a key; absent when there are none.
     std::optional<std::string> read(const std::string& key) const;
     bool contains(const std::string& key) const;
+    /// The keys under which something is kept, found in one entry into the store.
+    std::set<std::string> keys() const;
     /// Keeps bytes under a key, in place of earlier ones.
     void save(const std::string& bytes, const std::string& key) const;
     /// Drops what is kept under a key, if anything is.

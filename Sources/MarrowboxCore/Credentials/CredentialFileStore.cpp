@@ -27,8 +27,12 @@ bool mayStandInKey(char character) {
            (character >= '0' && character <= '9') || character == '.' || character == '_' || character == '-';
 }
 
+bool isKey(std::string_view key) {
+    return !key.empty() && key.size() <= longestKey && std::all_of(key.begin(), key.end(), mayStandInKey);
+}
+
 std::string validated(std::string_view key) {
-    if (key.empty() || key.size() > longestKey || !std::all_of(key.begin(), key.end(), mayStandInKey))
+    if (!isKey(key))
         throw BackupError("Invalid credential identifier.");
     return std::string(key);
 }
@@ -89,6 +93,15 @@ std::optional<std::string> CredentialFileStore::Access::read(std::string_view ke
     if (found == document.values.end())
         return std::nullopt;
     return std::move(found->second.bytes);
+}
+
+std::set<std::string> CredentialFileStore::Access::keys() const {
+    std::set<std::string> keys;
+    const CredentialDocument document = load();
+    for (const auto& [key, value] : document.values)
+        if (isKey(key)) // no other can be read
+            keys.insert(key);
+    return keys;
 }
 
 void CredentialFileStore::Access::save(std::string_view bytes, std::string_view key) const {

@@ -6,6 +6,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -33,6 +34,8 @@ class CredentialFileStore {
 
         /// The value of a key; absent when it has none.
         std::optional<std::string> read(std::string_view key) const;
+        /// The keys that have a value.
+        std::set<std::string> keys() const;
         /// Sets the value of a key.
         void save(std::string_view bytes, std::string_view key) const;
         /// Drops a key. The file is written anew even when it had none.

@@ -63,13 +63,12 @@ std::optional<Uuid> Uuid::parse(std::string_view text) {
 
 std::string Uuid::text() const {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string text;
-    text.reserve(textLength);
+    std::string text(textLength, '-');
+    std::size_t position = 0;
     for (const auto byte : bytes) {
-        if (isDashAt(text.size()))
-            text += '-';
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
+        position += isDashAt(position) ? 1 : 0;
+        text[position++] = digits[byte >> 4];
+        text[position++] = digits[byte & 15];
     }
     return text;
 }

@@ -1,8 +1,10 @@
 #include "Models/BackupError.h"
 #include "StoreWorld.h"
 
+#include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace marrowbox {
 
@@ -11,6 +13,26 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
+
+/// While it lives, no file of this process can grow beyond some bytes.
+class FullDisk {
+  public:
+    FullDisk() : before_(std::signal(SIGXFSZ, SIG_IGN)) {
+        ::getrlimit(RLIMIT_FSIZE, &limit_);
+        const rlimit small{.rlim_cur = 64, .rlim_max = limit_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &limit_);
+        std::signal(SIGXFSZ, before_);
+    }
+
+  private:
+    void (*before_)(int);
+    rlimit limit_{};
+};
 
 RunRecord runningRecord(const SyncUnit& unit, Date startedAt) {
     RunRecord record = beginRunRecord(unit, "anna@example.org", true, startedAt);
@@ -66,6 +88,55 @@ TEST(StartUp, readsASwitchedOffUnitAsAManualOne) {
     EXPECT_EQ(world.unit(1).schedule, on.schedule);
     EXPECT_EQ(world.unit(1).nextRun, on.nextRun);
     EXPECT_THAT(readFile(world.data / "Configuration.json"), Not(HasSubstr("isEnabled")));
+}
+
+TEST(StartUp, touchesNothingButTheFolderThatItIsTold) {
+    StoreWorld world;
+    world.environment["XDG_DATA_HOME"] = (world.home / "Share").string();
+    world.environment["HOME"] = (world.home / "User").string();
+    world.write(test::oneUnit(world));
+    AppStore& store = world.start();
+    store.run(world.unit(), 0);
+    world.time.advance(60);
+    EXPECT_FALSE(fs::exists(world.home / "Share"));
+    EXPECT_FALSE(fs::exists(world.home / "User"));
+}
+
+TEST(StartUp, keepsItsFilesInTheUsersFolderForDataUnlessToldOtherwise) {
+    StoreWorld world;
+    world.environment = {{"XDG_DATA_HOME", (world.home / "Share").string()}};
+    world.start();
+    EXPECT_TRUE(fs::exists(world.home / "Share" / "Marrowbox" / "Configuration.json"));
+    EXPECT_FALSE(fs::exists(world.data));
+}
+
+TEST(StartUp, goesOnWithoutKnowingWhetherItStartsAtLogin) {
+    StoreWorld world;
+    world.write(test::oneUnit(world));
+    world.desktop.statusFailure = std::make_exception_ptr(BackupError("No autostart folder."));
+    world.start();
+    EXPECT_TRUE(world.store->configurationIsReadable());
+    EXPECT_EQ(world.error(), "");
+    EXPECT_FALSE(*world.state().startAtLogin);
+}
+
+TEST(StartUp, neitherWritesNorSchedulesWhenItsFirstWriteFails) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units[0].nextRun = world.time.now() - 60;
+    configuration.runs = {runningRecord(configuration.units[0], world.time.now() - 3600)};
+    world.write(configuration);
+    const std::string before = readFile(world.data / "Configuration.json");
+    {
+        const FullDisk full;
+        world.start();
+    }
+    EXPECT_THAT(world.error(), HasSubstr("File too large"));
+    EXPECT_EQ(world.lastRun().outcome, RunOutcome::interrupted) << "in memory";
+    world.time.advance(600);
+    EXPECT_EQ(world.configuration().runs.size(), 1U);
+    EXPECT_FALSE(world.store->configurationIsReadable());
+    EXPECT_EQ(readFile(world.data / "Configuration.json"), before);
 }
 
 TEST(StartUp, selectsTheFirstUnit) {

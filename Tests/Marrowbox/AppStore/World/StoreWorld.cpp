@@ -35,6 +35,11 @@ std::string messageIn(const HTTPRequest& request) {
     return base64Decoded(encoded).value();
 }
 
+std::string headerOf(const std::string& message, const std::string& name) {
+    const std::size_t at = message.find(name) + name.size();
+    return message.substr(at, message.find("\r\n", at) - at);
+}
+
 std::string subjectOf(const std::string& message) {
     const std::string begin = "Subject: =?UTF-8?B?";
     const std::size_t at = message.find(begin) + begin.size();
@@ -117,7 +122,7 @@ AppSurroundings StoreWorld::surroundings() {
             .mountMachine = {.system = machine, .images = images, .localTime = systemLocalTime()},
             .makeSource = [this](const SyncUnit&, std::shared_ptr<const GoogleAuth>,
                                  const fs::path&) { return std::make_shared<HeldSource>(*this); },
-            .environment = {{"MARROW_DATA_DIR", data.string()}},
+            .environment = environment,
             .rclone = rclone,
             .bundledClient = bundledClient,
             .clock = time.clock(),
@@ -163,6 +168,14 @@ void StoreWorld::letSourcesGo() {
     time.settle();
 }
 
+std::vector<std::string> StoreWorld::mailRecipients() const {
+    std::vector<std::string> recipients;
+    for (const HTTPRequest& request : requests)
+        if (request.url.ends_with("/messages/send"))
+            recipients.push_back(headerOf(messageIn(request), "To: "));
+    return recipients;
+}
+
 std::vector<std::string> StoreWorld::mailSubjects() const {
     std::vector<std::string> subjects;
     for (const HTTPRequest& request : requests)
@@ -192,6 +205,15 @@ AppConfiguration oneUnit(StoreWorld& world) {
     const SyncUnit unit = dailyUnit(world);
     BackupRepository(world.disk, unit.id).initialize();
     return {.accounts = {anna()}, .units = {unit}};
+}
+
+RunRecord mailedRun(const SyncUnit& unit, Date endedAt) {
+    RunRecord run = beginRunRecord(unit, anna().email, true, endedAt - 60);
+    run.endedAt = endedAt;
+    run.outcome = RunOutcome::succeeded;
+    run.emailSettings = mailToAnna();
+    run.notificationPolicy = unit.notificationPolicy();
+    return run;
 }
 
 EmailSettings mailToAnna() {

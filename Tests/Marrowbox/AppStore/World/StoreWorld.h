@@ -2,6 +2,7 @@
 
 #include "AppSupport/RecordingDesktop.h"
 #include "Marrowbox/AppStore/AppStore.h"
+#include "Repository/BackupRepository.h"
 #include "ScriptedMachine.h"
 #include "ScriptedSource.h"
 #include "Support/ScratchFolder.h"
@@ -33,6 +34,7 @@ class StoreWorld {
     const fs::path home = fs::canonical(scratch.path());
     const fs::path data = home / "Data";
     const fs::path disk = home / "Disk"; ///< Where units keep their repositories; exists.
+    Environment environment{{"MARROW_DATA_DIR", data.string()}};
     VirtualTime time{mondayMorning};
     RecordingDesktop desktop;
     std::shared_ptr<ScriptedSource> source = std::make_shared<ScriptedSource>();
@@ -72,8 +74,10 @@ class StoreWorld {
     const RunRecord& lastRun() const { return configuration().runs.at(0); }
     std::string error() const { return state().errorMessage->value_or(""); }
 
-    /// The subjects of the mails that went out, in their order.
+    /// The subjects of the mails that were to go out, in their order, whatever became of them.
     std::vector<std::string> mailSubjects() const;
+    /// The recipients of the same.
+    std::vector<std::string> mailRecipients() const;
 
   private:
     class HeldSource;
@@ -91,5 +95,7 @@ SyncUnit dailyUnit(const StoreWorld& world, const std::string& name = "Papers");
 AppConfiguration oneUnit(StoreWorld& world);
 /// Mail goes from Anna to Anna.
 EmailSettings mailToAnna();
+/// A unit's run that ended well at an instant and is to be mailed from Anna to Anna by the unit's policy.
+RunRecord mailedRun(const SyncUnit& unit, Date endedAt);
 
 } // namespace marrowbox::test

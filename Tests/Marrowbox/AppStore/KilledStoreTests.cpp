@@ -1,0 +1,164 @@
+#include "Models/JSONFile.h"
+#include "StoreWorld.h"
+#include "Support/Spread.h"
+#include "Support/WatchedProgram.h"
+
+#include <csignal>
+#include <functional>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <sys/wait.h>
+
+namespace marrowbox::test {
+
+namespace {
+
+using Decide = std::function<Answer(const FileCall&)>;
+
+/// A data folder with a unit and a year of runs, and the store that works on copies of it as a program of its
+/// own. Skipped where the system does not let a process watch another.
+class KilledStore : public testing::Test {
+  protected:
+    void SetUp() override {
+        AppConfiguration configuration = oneUnit(world);
+        const SyncUnit& unit = configuration.units[0];
+        for (int day = 0; day < 365; ++day) {
+            configuration.runs.push_back(mailedRun(unit, world.time.now() - 86'400 * (day + 1)));
+            configuration.runs.back().emailSent = day > 1;
+        }
+        world.write(configuration);
+        try {
+            WatchedProgram({"/bin/true"}).run([](const FileCall&) { return Answer::proceed(); });
+        } catch (const WatchingRefused& refusal) {
+            GTEST_SKIP() << refusal.what();
+        }
+    }
+
+    /// Runs the program on a fresh copy of the folder and answers its calls there.
+    int run(const Decide& decide) {
+        fs::remove_all(data);
+        fs::copy(world.data, data, fs::copy_options::recursive);
+        WatchedProgram program(
+            {"/usr/bin/env", "TMPDIR=" + world.home.string(), MARROWBOX_CRASH_STORE, data, world.disk});
+        const int status = program.run(
+            [&](const FileCall& call) { return call.isWithin(data) ? decide(call) : Answer::proceed(); });
+        words = program.words();
+        return status;
+    }
+    int countCalls() {
+        int calls = 0;
+        EXPECT_EQ(run([&](const FileCall&) { return ++calls, Answer::proceed(); }), 0) << words;
+        return calls;
+    }
+    /// Runs it with another answer to its n-th call.
+    int runDisturbed(int number, Answer answer) {
+        int calls = 0;
+        return run([&](const FileCall&) { return ++calls == number ? answer : Answer::proceed(); });
+    }
+
+    /// Starts the program again on what was left, and expects that it can be used as ever. Gives the number
+    /// of runs that the end of the first one interrupted.
+    int expectUsable() {
+        const auto left = JSONFile::read<AppConfiguration>(file);
+        StoreWorld next;
+        next.environment = {{"MARROW_DATA_DIR", data.string()}};
+        next.start();
+        EXPECT_TRUE(next.store->configurationIsReadable()) << next.error();
+        EXPECT_GE(next.configuration().runs.size(), 365U);
+        int interrupted = 0;
+        for (std::size_t index = 0; index < left.runs.size(); ++index) {
+            const RunOutcome outcome = next.configuration().runs[index].outcome;
+            if (left.runs[index].outcome == RunOutcome::running)
+                EXPECT_EQ(outcome, RunOutcome::interrupted);
+            interrupted += outcome == RunOutcome::interrupted ? 1 : 0;
+        }
+        return interrupted;
+    }
+
+    StoreWorld world;
+    const fs::path data = world.home / "Copy";
+    const fs::path file = data / "Configuration.json";
+    std::string words;
+};
+
+} // namespace
+
+TEST_F(KilledStore, replacesItsConfigurationInOneStepAndNeverWritesInPlace) {
+    std::string expected;
+    int replacements = 0;
+    const int status = run([&](const FileCall& call) {
+        if (expected.empty())
+            expected = readFile(file);
+        EXPECT_EQ(readFile(file), expected) << call.name << ' ' << call.path;
+        if (call.target == file) {
+            expected = readFile(call.path);
+            EXPECT_NO_THROW(decodeJSON<AppConfiguration>(expected));
+            ++replacements;
+        }
+        return Answer::proceed();
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(words, "");
+    EXPECT_EQ(readFile(file), expected);
+    EXPECT_GE(replacements, 10);
+}
+
+TEST_F(KilledStore, leavesAWholeConfigurationAndTellsOfTheInterruptedRun) {
+    const int calls = countCalls();
+    const std::vector<int> points = spread(calls, 60);
+    int interrupted = 0;
+    for (const int number : points) {
+        const int status = runDisturbed(number, Answer::kill());
+        SCOPED_TRACE("killed before call " + std::to_string(number));
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << words;
+        interrupted += expectUsable();
+        if (HasFailure())
+            break;
+    }
+    EXPECT_GE(interrupted, 1) << "no kill met a run";
+    std::cout << points.size() << " points at which the program was killed, of " << calls << " calls; "
+              << interrupted << " met a run\n";
+}
+
+TEST_F(KilledStore, leavesAWholeConfigurationWhateverCallTheDiskFails) {
+    const int calls = countCalls();
+    for (const int number : spread(calls, 40)) {
+        const int status = runDisturbed(number, Answer::fail(ENOSPC));
+        SCOPED_TRACE("call " + std::to_string(number) + " failed: " + words);
+        EXPECT_EQ(status, 0);
+        expectUsable();
+        if (HasFailure())
+            break;
+    }
+}
+
+TEST_F(KilledStore, goesOnAfterAWriteThatWasCutShort) {
+    for (const int number : spread(countCalls(), 12)) {
+        EXPECT_EQ(runDisturbed(number, Answer::writeHalf()), 0);
+        SCOPED_TRACE("call " + std::to_string(number));
+        expectUsable();
+    }
+}
+
+TEST_F(KilledStore, waitsForTheDiskAfterEachReplacement) {
+    bool isDurable = true;
+    bool isNameDurable = true;
+    int waits = 0;
+    run([&](const FileCall& call) {
+        if (call.target == file)
+            isDurable = isNameDurable = false;
+        const bool synchronises = call.name == "fsync" || call.name == "fdatasync";
+        if (synchronises && call.path == file) {
+            isDurable = true;
+            ++waits;
+        }
+        if (synchronises && call.path == data)
+            isNameDurable = true;
+        return Answer::proceed();
+    });
+    EXPECT_TRUE(isDurable);
+    EXPECT_TRUE(isNameDurable);
+    EXPECT_GE(waits, 5);
+}
+
+} // namespace marrowbox::test

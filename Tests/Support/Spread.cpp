@@ -1,0 +1,26 @@
+#include "Support/Spread.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace marrowbox::test {
+
+namespace {
+
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+
+} // namespace
+
+std::vector<int> spread(int last, int atMost) {
+    const int count = std::min(last, isSanitized ? atMost / 4 : atMost);
+    std::vector<int> numbers;
+    for (int index = 0; index < count; ++index)
+        numbers.push_back(1 + static_cast<int>(std::int64_t{index} * last / count));
+    return numbers;
+}
+
+} // namespace marrowbox::test
