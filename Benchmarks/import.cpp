@@ -1,6 +1,7 @@
 // Importing 20,000 downloaded files of 64 KB, against `cp -r` of the same files followed by `sync`.
 #include "Measuring/Measure.h"
 #include "Measuring/ScratchRepository.h"
+#include "Measuring/StoredFiles.h"
 #include "Platform/Digest.h"
 #include "Repository/ObjectImport.h"
 
@@ -19,13 +20,7 @@ constexpr std::size_t batchSize = 32;
 constexpr int rounds = 3;
 
 std::string contentOf(std::size_t number) {
-    std::string bytes(fileSize, '\0');
-    std::uint64_t state = number * 0x9E3779B97F4A7C15U + 1;
-    for (std::size_t index = 0; index < bytes.size(); index += 8) {
-        state = state * 6364136223846793005U + 1442695040888963407U;
-        std::memcpy(bytes.data() + index, &state, 8);
-    }
-    return bytes;
+    return bench::contentOf(number, fileSize);
 }
 
 std::vector<SourceEntry> sourceEntries() {

@@ -1,12 +1,12 @@
-// Restoring 2 GB in 20,000 files, against `cp -r` of the same tree. The source is warm for both, the target
-// new.
+// Restoring 2 GB in 20,000 files, against `cp -r` of the same tree, and against what other backup programs
+// take to restore it. The source is warm for all, the target new.
+#include "Measuring/Command.h"
 #include "Measuring/Measure.h"
+#include "Measuring/Peers.h"
 #include "Measuring/ScratchRepository.h"
-#include "Platform/Digest.h"
+#include "Measuring/StoredFiles.h"
 
-#include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
+#include <array>
 #include <unistd.h>
 
 namespace {
@@ -17,64 +17,54 @@ constexpr std::size_t fileCount = 20'000;
 constexpr std::size_t fileSize = 100 << 10;
 constexpr int rounds = 3;
 
-std::string contentOf(std::size_t number) {
-    std::string bytes(fileSize, '\0');
-    std::uint64_t state = number * 0x9E3779B97F4A7C15U + 1;
-    for (std::size_t index = 0; index < bytes.size(); index += 8) {
-        state = state * 6364136223846793005U + 1442695040888963407U;
-        std::memcpy(bytes.data() + index, &state, 8);
-    }
-    return bytes;
+/// One of those that bring the tree back, and what they took.
+struct Contender {
+    std::function<void()> restore;
+    std::vector<double> seconds;
+};
+
+double timed(const Contender& contender, const fs::path& target) {
+    ::sync();
+    const double taken = bench::seconds(contender.restore);
+    fs::remove_all(target);
+    return taken;
 }
 
-/// Puts the objects of one snapshot into the store.
-Snapshot store(const BackupRepository& repository) {
-    Snapshot snapshot;
-    snapshot.unitID = repository.unitID();
-    for (std::size_t number = 0; number < fileCount; ++number) {
-        const std::string content = contentOf(number);
-        SnapshotEntry entry;
-        entry.source.path = "Folder " + std::to_string(number / 50) + "/" + std::to_string(number);
-        entry.objectHash = ObjectHash::ofDigest(sha256(content));
-        entry.storedSize = fileSize;
-        const fs::path object = repository.objectPaths().object(*entry.objectHash);
-        makeDirectories(object.parent_path());
-        writeAll(openFile(object, O_WRONLY | O_CREAT), content);
-        snapshot.entries.emplace_back(std::move(entry));
-    }
-    return snapshot;
-}
-
-void copyTree(const fs::path& source, const fs::path& target) {
-    const std::string command = "cp -r '" + source.string() + "' '" + target.string() + "'";
-    if (std::system(command.c_str()) != 0)
-        throw std::runtime_error("The copy failed.");
+int report(const std::string& name, double bar, const Contender& ours, const Contender& theirs) {
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < ours.seconds.size(); ++round)
+        ratios.push_back(ours.seconds[round] / theirs.seconds[round]);
+    const bench::Ratio ratio{bench::median(ours.seconds), bench::median(theirs.seconds),
+                             bench::median(ratios)};
+    return bench::reportAtMost(name, ratio.ratio, bar, bench::describe(ratio));
 }
 
 } // namespace
 
 int main() {
     const bench::ScratchRepository scratch("restore");
-    const Snapshot snapshot = store(scratch.repository());
+    const Snapshot snapshot = bench::storeFiles(scratch.repository(), fileCount, fileSize);
     const fs::path tree = scratch.folder() / "tree";
     const fs::path target = scratch.folder() / "target";
     scratch.repository().restore(snapshot, tree, {});
-    const auto restoring = [&] { scratch.repository().restore(snapshot, target, {}); };
-    const auto copying = [&] { copyTree(tree, target); };
-    const auto timed = [&](const std::function<void()>& work) {
-        ::sync();
-        const double taken = bench::seconds(work);
-        fs::remove_all(target);
-        return taken;
-    };
-    std::vector<double> ours;
-    std::vector<double> theirs;
-    std::vector<double> ratios;
-    for (int round = 0; round < rounds; ++round) {
-        theirs.push_back(timed(copying));
-        ours.push_back(timed(restoring));
-        ratios.push_back(ours.back() / theirs.back());
-    }
-    const bench::Ratio ratio{bench::median(ours), bench::median(theirs), bench::median(ratios)};
-    return bench::reportAtMost("restore", ratio.ratio, 1.6, bench::describe(ratio));
+    const bench::Restic restic(scratch.folder() / "restic");
+    restic.run("backup .", tree);
+    const bench::Borg borg(scratch.folder() / "borg");
+    borg.run("create ::tree .", tree);
+
+    const std::string copy = "cp -r " + bench::quoted(tree) + " " + bench::quoted(target);
+    Contender ours{[&] { scratch.repository().restore(snapshot, target, {}); }, {}};
+    Contender copying{[&] { bench::runCommand(copy); }, {}};
+    Contender resticRestore{[&] { restic.run("restore latest --target " + bench::quoted(target), tree); },
+                            {}};
+    Contender borgExtract{[&] {
+                              fs::create_directory(target);
+                              borg.run("extract ::tree", target);
+                          },
+                          {}};
+    for (int round = 0; round < rounds; ++round)
+        for (Contender* contender : std::array{&copying, &ours, &resticRestore, &borgExtract})
+            contender->seconds.push_back(timed(*contender, target));
+    return report("restore", 1.6, ours, copying) | report("restore-restic", 1, ours, resticRestore) |
+           report("restore-borg", 1, ours, borgExtract);
 }

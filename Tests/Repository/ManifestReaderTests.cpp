@@ -24,9 +24,10 @@ Outcome read(std::string_view text, const Known& known, std::span<const SourceEn
     writeAll(file, text);
     ::lseek(file.number(), 0, SEEK_SET);
     ManifestReader reader(listing);
-    reader.expect(known);
+    KnownEntries entries;
+    entries.add(known);
     try {
-        return reader.read(file);
+        return reader.read(file, entries).snapshot;
     } catch (const JSONDecodingError& error) {
         return error.what();
     }

@@ -28,26 +28,32 @@ std::string_view headOf(std::string_view text) {
 
 } // namespace
 
-Snapshot ManifestReader::read(const Descriptor& file) {
-    if (!known_.empty() || !listing_.empty()) {
-        auto familiar = readFamiliar(file);
-        if (familiar)
+ManifestReader::Reading ManifestReader::read(const Descriptor& file, const KnownEntries& known) {
+    if (!known.items().empty() || !listing_.empty()) {
+        auto familiar = readFamiliar(file, known);
+        if (familiar) {
+            lastCount_ = familiar->snapshot.entries.size();
             return std::move(*familiar);
+        }
         // What is no plain file cannot go back, and ends in the decoder's words all the same.
         ::lseek(file.number(), 0, SEEK_SET);
     }
-    return decodeJSON<Snapshot>(file, &sharing_);
+    Reading reading{.snapshot = decodeJSON<Snapshot>(file, &sharing_)};
+    lastCount_ = reading.snapshot.entries.size();
+    reading.fresh = reading.snapshot.entries;
+    return reading;
 }
 
 /// Absent for a text that has to be read in the ordinary way.
-std::optional<Snapshot> ManifestReader::readFamiliar(const Descriptor& file) {
+std::optional<ManifestReader::Reading> ManifestReader::readFamiliar(const Descriptor& file,
+                                                                    const KnownEntries& known) {
     ByteWindow window(file);
     std::string text(headOf(window.next(beginning.size() + longestNumber + opening.size())));
     if (text.empty())
         return std::nullopt;
     window.skip(text.size());
-    FamiliarEntries entries(window, known_, listing_, sharing_);
-    if (!entries.take())
+    FamiliarEntries entries(window, known.items(), listing_, sharing_);
+    if (!entries.take(lastCount_))
         return std::nullopt;
     const std::string_view rest = window.next(longestRest);
     if (rest.size() == longestRest)
@@ -55,9 +61,11 @@ std::optional<Snapshot> ManifestReader::readFamiliar(const Descriptor& file) {
     text += rest;
     try {
         // The same text without its entries, so that everything about the other members is as it would be.
-        auto snapshot = decodeJSON<Snapshot>(text);
-        snapshot.entries = entries.taken();
-        return snapshot;
+        Reading reading{.snapshot = decodeJSON<Snapshot>(text),
+                        .fresh = entries.fresh(),
+                        .hasNewPath = entries.hasNewPath()};
+        reading.snapshot.entries = entries.taken();
+        return reading;
     } catch (const JSONDecodingError&) {
         return std::nullopt;
     }
