@@ -61,35 +61,6 @@ TEST(History, holdsARepeatedEntryOnce) {
     EXPECT_EQ(&*history[0].entries[0], &*history[1].entries[0]);
 }
 
-TEST(History, refusesAManifestOfEntriesThatOnlyFitApart) {
-    const auto oneA = [](const TestRepository& repository) { return stored(repository, "a", "1"); };
-    const auto refusal = [&](const std::vector<SnapshotEntry>& first,
-                             const std::vector<SnapshotEntry>& second, const TestRepository& repository) {
-        repository.publish(first, 1);
-        repository.publish(second, 2);
-        EXPECT_EQ(repository->snapshots().size(), 2u);
-        std::vector<SnapshotEntry> both = first;
-        both.insert(both.end(), second.begin(), second.end());
-        repository.publish(both, 3);
-        return refusalToRead<BackupError>(repository);
-    };
-    const TestRepository letters;
-    EXPECT_NE(refusal({stored(letters, "A", "1")}, {oneA(letters)}, letters), "");
-    const TestRepository levels;
-    EXPECT_NE(refusal({oneA(levels)}, {stored(levels, "a/b", "1")}, levels), "");
-    const TestRepository kinds;
-    EXPECT_NE(refusal({oneA(kinds)}, {folder("a"), stored(kinds, "a/b", "1")}, kinds), "");
-}
-
-TEST(History, acceptsAPathThatHasBeenAFileAndAFolder) {
-    const TestRepository repository;
-    const SnapshotEntry inside = stored(repository, "a/b", "2");
-    const Snapshot asFile = repository.publish({stored(repository, "a", "1")}, 1);
-    const Snapshot asFolder = repository.publish({folder("a"), inside}, 2);
-    const Snapshot again = repository.publish({stored(repository, "a", "1")}, 3);
-    EXPECT_EQ(repository->snapshots(), (std::vector{asFile, asFolder, again}));
-}
-
 TEST(History, sharesTextsWithWhatTheCallerHolds) {
     const TestRepository repository;
     const std::vector<SourceEntry> known{file("a/path/of/some/length", "content").source};

@@ -24,10 +24,9 @@ Outcome read(std::string_view text, const Known& known, std::span<const SourceEn
     writeAll(file, text);
     ::lseek(file.number(), 0, SEEK_SET);
     ManifestReader reader(listing);
-    KnownEntries entries;
-    entries.add(known);
+    reader.expect(known);
     try {
-        return reader.read(file, entries).snapshot;
+        return reader.read(file);
     } catch (const JSONDecodingError& error) {
         return error.what();
     }

@@ -26,12 +26,6 @@ class JSONEncodingError : public std::runtime_error {
 class JSONWriter {
   public:
     explicit JSONWriter(JSONStyle style, const Descriptor* file = nullptr);
-    /// A pretty one that goes on inside so many objects or lists, which were written elsewhere.
-    static JSONWriter inside(std::size_t depth) {
-        JSONWriter writer(JSONStyle::pretty);
-        writer.depth_ = depth;
-        return writer;
-    }
 
     void open(char bracket);
     void close(char bracket);

@@ -19,6 +19,14 @@ constexpr std::size_t longestOther = 1 << 20;
 /// Each opens a level, and the decoder allows a text only so many.
 constexpr int mostBrackets = 24;
 
+JSONWriter writerAt(int depth) {
+    JSONWriter writer(JSONStyle::pretty);
+    for (int level = 0; level < depth; ++level)
+        writer.open('{');
+    writer.clear();
+    return writer;
+}
+
 /// What a writer that stands inside a manifest makes of a record; empty when it cannot be written.
 template <typename Record>
 std::string_view written(JSONWriter& writer, const Record& record) {
@@ -73,40 +81,29 @@ void shareTexts(SourceEntry& entry, const SourceEntry& with) {
 const SharedText& pathOf(const SourceEntry& entry) {
     return entry.path;
 }
-const SharedText& pathOf(const KnownEntries::Item& item) {
-    return item.entry->source.path;
+const SharedText& pathOf(const Shared<SnapshotEntry>& entry) {
+    return entry->source.path;
 }
 
-/// How much stands before a path.
+/// Leaves out what stands up to a path and at it.
 template <typename Entry>
-std::size_t countBefore(std::span<const Entry> entries, const SharedText& path) {
-    std::size_t count = 0;
-    while (count < entries.size() && pathOf(entries[count]) < path)
-        ++count;
-    return count;
-}
-
-/// Leaves out what stands before a path, and what stands at it, which is given.
-template <typename Entry>
-std::span<const Entry> takeAt(std::span<const Entry>& entries, const SharedText& path) {
-    entries = entries.subspan(countBefore(entries, path));
-    std::size_t count = 0;
-    while (count < entries.size() && pathOf(entries[count]) == path)
-        ++count;
-    const auto found = entries.first(count);
-    entries = entries.subspan(count);
-    return found;
+std::span<const Entry> behind(std::span<const Entry> entries, const SharedText& path) {
+    std::size_t passed = 0;
+    while (passed < entries.size() && pathOf(entries[passed]) <= path)
+        ++passed;
+    return entries.subspan(passed);
 }
 
 } // namespace
 
-FamiliarEntries::FamiliarEntries(ByteWindow& text, std::span<const KnownEntries::Item> known,
+FamiliarEntries::FamiliarEntries(ByteWindow& text, std::span<const Shared<SnapshotEntry>> known,
                                  std::span<const SourceEntry> listing, JSONSharing& sharing)
-    : text_(text), known_(known), listing_(listing), sharing_(sharing) {
+    : text_(text), known_(known), listing_(listing), sharing_(sharing), entryWriter_(writerAt(2)),
+      sourceWriter_(writerAt(3)) {
+    taken_.reserve(std::max(known.size(), listing.size()));
 }
 
-bool FamiliarEntries::take(std::size_t expectedCount) {
-    taken_.reserve(expectedCount);
+bool FamiliarEntries::take() {
     while (text_.next(closing.size()) != closing)
         if (!takeKnown() && !takeListed() && !takeOther())
             return false;
@@ -118,30 +115,41 @@ std::string_view FamiliarEntries::separator() const {
     return taken_.empty() ? "\n    " : ",\n    ";
 }
 
-/// An entry whose text is that of a known one.
+/// Of those that are known at one path, the object tells which one it can be.
 bool FamiliarEntries::takeKnown() {
     if (known_.empty())
         return false;
-    const auto atPath = known_.first(known_.front().atPath);
-    const std::size_t start = separator().size();
-    std::size_t length = 0;
-    std::uint64_t number = 0;
-    for (const KnownEntries::Item& item : atPath) {
-        if (item.textLength != length) {
-            length = item.textLength;
-            std::string_view text = text_.next(start + length);
-            number = eat(text, separator()) && text.size() == length ? textNumber(text) : 0;
-        }
-        if (length == 0 || number != item.textNumber)
+    const SharedText& path = known_.front()->source.path;
+    const std::optional<ObjectHash> object = nextObject();
+    for (const Shared<SnapshotEntry>& entry : known_) {
+        if (entry->source.path != path)
+            return false;
+        if (entry->objectHash != object || !isNext(*entry))
             continue;
-        text_.skip(start + length);
-        taken_.push_back(item.entry);
-        known_ = known_.subspan(atPath.size());
-        if (!listing_.empty())
-            takeAt(listing_, item.entry->source.path);
+        taken_.push_back(entry);
+        listing_ = behind(listing_, path);
+        known_ = behind(known_, path);
         return true;
     }
     return false;
+}
+
+/// The object that the next entry names; absent when it names none.
+std::optional<ObjectHash> FamiliarEntries::nextObject() {
+    std::string_view text = text_.next(longestFrame);
+    if (!eat(text, separator()) || !eat(text, hashFrame))
+        return std::nullopt;
+    return eatHash(text);
+}
+
+/// Goes on behind an entry when it is the next one.
+bool FamiliarEntries::isNext(const SnapshotEntry& entry) {
+    const std::string_view expected = written(entryWriter_, entry);
+    std::string_view text = text_.next(separator().size() + expected.size());
+    if (!eat(text, separator()) || expected.empty() || text != expected)
+        return false;
+    text_.skip(separator().size() + expected.size());
+    return true;
 }
 
 /// An entry of a listed item: only its object is not known.
@@ -169,8 +177,9 @@ bool FamiliarEntries::takeListed() {
     entry.storedSize = *storedSize;
     entry.source = item;
     text_.skip(ahead.size() - text.size());
-    takeFresh(std::move(entry), takeAt(known_, item.path));
+    taken_.emplace_back(std::move(entry));
     listing_ = listing_.subspan(1);
+    known_ = behind(known_, item.path);
     return true;
 }
 
@@ -192,7 +201,7 @@ bool FamiliarEntries::takeOther() {
     try {
         auto entry = decodeJSON<SnapshotEntry>(text, &sharing_);
         text_.skip(end + entryEnd.size());
-        hold(std::move(entry));
+        taken_.push_back(held(std::move(entry)));
         return true;
     } catch (const JSONDecodingError&) {
         return false;
@@ -200,25 +209,18 @@ bool FamiliarEntries::takeOther() {
 }
 
 /// Goes on behind a parsed entry's path. What is known there after all, all of it or its texts, is held once.
-void FamiliarEntries::hold(SnapshotEntry entry) {
-    const auto atPath = takeAt(known_, entry.source.path);
-    const auto listed = takeAt(listing_, entry.source.path);
-    const auto same =
-        std::ranges::find_if(atPath, [&](const KnownEntries::Item& item) { return *item.entry == entry; });
-    if (same != atPath.end()) {
-        taken_.push_back(same->entry);
-        return;
-    }
-    if (!listed.empty())
-        shareTexts(entry.source, listed.front());
-    takeFresh(sharing_.shared(std::move(entry)), atPath);
-}
-
-void FamiliarEntries::takeFresh(Shared<SnapshotEntry> entry, std::span<const KnownEntries::Item> atPath) {
-    hasNewPath_ = hasNewPath_ || atPath.empty() ||
-                  atPath.front().entry->source.isDirectory != entry->source.isDirectory;
-    taken_.push_back(entry);
-    fresh_.push_back(std::move(entry));
+Shared<SnapshotEntry> FamiliarEntries::held(SnapshotEntry entry) {
+    const auto passedEntries = known_;
+    known_ = behind(known_, entry.source.path);
+    for (const auto& known : passedEntries.first(passedEntries.size() - known_.size()))
+        if (*known == entry)
+            return known;
+    const auto passedItems = listing_;
+    listing_ = behind(listing_, entry.source.path);
+    const std::size_t count = passedItems.size() - listing_.size();
+    if (count > 0 && passedItems[count - 1].path == entry.source.path)
+        shareTexts(entry.source, passedItems[count - 1]);
+    return sharing_.shared(std::move(entry));
 }
 
 } // namespace marrowbox

@@ -12,6 +12,32 @@ namespace marrowbox {
 
 namespace {
 
+using EntryList = std::vector<Shared<SnapshotEntry>>;
+
+bool liesBefore(const Shared<SnapshotEntry>& left, const Shared<SnapshotEntry>& right) {
+    return left->source.path < right->source.path;
+}
+
+/// Adds what a list, in the order of its paths, does not hold yet.
+void addTo(EntryList& known, const EntryList& entries) {
+    EntryList added;
+    auto place = known.cbegin();
+    for (const auto& entry : entries) {
+        const auto isPast = [&] { return place == known.cend() || liesBefore(entry, *place); };
+        bool isKnown = false;
+        for (; !isPast() && !isKnown; ++place)
+            isKnown = &**place == &*entry;
+        if (!isKnown)
+            added.push_back(entry);
+    }
+    if (added.empty() || !std::ranges::is_sorted(added, liesBefore))
+        return;
+    EntryList united;
+    united.reserve(known.size() + added.size());
+    std::ranges::merge(known, added, std::back_inserter(united), liesBefore);
+    known = std::move(united);
+}
+
 /// One reading of a repository's manifests. What repeats among them is held once, and each fan-out folder is
 /// looked at once.
 class HistoryReader {
@@ -27,23 +53,20 @@ class HistoryReader {
         return files;
     }
 
-    /// Reads and verifies a manifest. What it repeats of those before was verified with them.
-    ManifestReader::Reading read(const fs::path& file) {
+    /// Reads a manifest, which probably repeats most of the given entries.
+    Snapshot read(const fs::path& file, std::span<const Shared<SnapshotEntry>> likely) {
         rejectSymlink(file);
-        ManifestReader::Reading reading = reader_.read(openPlainFile(file), known_);
-        Snapshot& snapshot = reading.snapshot;
+        reader_.expect(likely);
+        Snapshot snapshot = reader_.read(openPlainFile(file));
         if (snapshot.schemaVersion != 1 || snapshot.unitID != repository_.unitID() ||
             withoutPathExtension(file.filename().string()) != snapshot.id.text())
             throw BackupError("An unsupported or mismatched snapshot was found. No history will be removed.");
-        if (reading.hasNewPath || !known_.fitTogether())
-            BackupPaths::validateEntries(snapshot.entries);
-        for (const auto& entry : reading.fresh)
+        BackupPaths::validateEntries(snapshot.entries);
+        for (const auto& entry : snapshot.entries)
             verifyReference(*entry);
         snapshot.entries.shrink_to_fit(); // many lists of shared entries are held at the same time
-        return reading;
+        return snapshot;
     }
-    /// What the manifests that come next may repeat.
-    KnownEntries& known() { return known_; }
 
   private:
     void verifyReference(const SnapshotEntry& entry) {
@@ -57,7 +80,6 @@ class HistoryReader {
 
     const BackupRepository& repository_;
     ManifestReader reader_;
-    KnownEntries known_;
     ObjectLinks links_;
 };
 
@@ -66,10 +88,11 @@ class HistoryReader {
 std::vector<Snapshot> BackupRepository::snapshots() const {
     validate();
     HistoryReader reader(*this, {});
+    EntryList known;
     std::vector<Snapshot> history;
     for (const auto& file : reader.manifests()) {
-        auto [snapshot, fresh, hasNewPath] = reader.read(file);
-        reader.known().add(fresh);
+        Snapshot snapshot = reader.read(file, known);
+        addTo(known, snapshot.entries);
         const auto place =
             std::ranges::upper_bound(history, snapshot.completedAt, {}, &Snapshot::completedAt);
         history.insert(place, std::move(snapshot));
@@ -80,18 +103,15 @@ std::vector<Snapshot> BackupRepository::snapshots() const {
 std::optional<Snapshot> BackupRepository::latestSnapshot(std::span<const SourceEntry> sharedWith) const {
     validate();
     HistoryReader reader(*this, sharedWith);
-    const auto files = reader.manifests();
     std::optional<Snapshot> latest;
-    for (const auto& file : files) {
-        Snapshot snapshot = reader.read(file).snapshot;
+    for (const auto& file : reader.manifests()) {
+        std::span<const Shared<SnapshotEntry>> likely;
+        if (latest)
+            likely = latest->entries;
+        Snapshot snapshot = reader.read(file, likely);
         // Of equal dates the one that is read later counts as later.
-        if (latest && snapshot.completedAt < latest->completedAt)
-            continue;
-        latest = std::move(snapshot);
-        if (&file == &files.back())
-            break;
-        reader.known().clear();
-        reader.known().add(latest->entries);
+        if (!latest || snapshot.completedAt >= latest->completedAt)
+            latest = std::move(snapshot);
     }
     return latest;
 }

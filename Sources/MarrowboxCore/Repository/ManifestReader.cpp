@@ -28,32 +28,26 @@ std::string_view headOf(std::string_view text) {
 
 } // namespace
 
-ManifestReader::Reading ManifestReader::read(const Descriptor& file, const KnownEntries& known) {
-    if (!known.items().empty() || !listing_.empty()) {
-        auto familiar = readFamiliar(file, known);
-        if (familiar) {
-            lastCount_ = familiar->snapshot.entries.size();
+Snapshot ManifestReader::read(const Descriptor& file) {
+    if (!known_.empty() || !listing_.empty()) {
+        auto familiar = readFamiliar(file);
+        if (familiar)
             return std::move(*familiar);
-        }
         // What is no plain file cannot go back, and ends in the decoder's words all the same.
         ::lseek(file.number(), 0, SEEK_SET);
     }
-    Reading reading{.snapshot = decodeJSON<Snapshot>(file, &sharing_)};
-    lastCount_ = reading.snapshot.entries.size();
-    reading.fresh = reading.snapshot.entries;
-    return reading;
+    return decodeJSON<Snapshot>(file, &sharing_);
 }
 
 /// Absent for a text that has to be read in the ordinary way.
-std::optional<ManifestReader::Reading> ManifestReader::readFamiliar(const Descriptor& file,
-                                                                    const KnownEntries& known) {
+std::optional<Snapshot> ManifestReader::readFamiliar(const Descriptor& file) {
     ByteWindow window(file);
     std::string text(headOf(window.next(beginning.size() + longestNumber + opening.size())));
     if (text.empty())
         return std::nullopt;
     window.skip(text.size());
-    FamiliarEntries entries(window, known.items(), listing_, sharing_);
-    if (!entries.take(lastCount_))
+    FamiliarEntries entries(window, known_, listing_, sharing_);
+    if (!entries.take())
         return std::nullopt;
     const std::string_view rest = window.next(longestRest);
     if (rest.size() == longestRest)
@@ -61,11 +55,9 @@ std::optional<ManifestReader::Reading> ManifestReader::readFamiliar(const Descri
     text += rest;
     try {
         // The same text without its entries, so that everything about the other members is as it would be.
-        Reading reading{.snapshot = decodeJSON<Snapshot>(text),
-                        .fresh = entries.fresh(),
-                        .hasNewPath = entries.hasNewPath()};
-        reading.snapshot.entries = entries.taken();
-        return reading;
+        auto snapshot = decodeJSON<Snapshot>(text);
+        snapshot.entries = entries.taken();
+        return snapshot;
     } catch (const JSONDecodingError&) {
         return std::nullopt;
     }

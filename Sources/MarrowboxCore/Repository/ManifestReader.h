@@ -3,12 +3,9 @@
 #include "Models/JSONSharing.h"
 #include "Models/Snapshot.h"
 #include "Platform/Descriptor.h"
-#include "Repository/KnownEntries.h"
 
-#include <cstddef>
 #include <optional>
 #include <span>
-#include <vector>
 
 namespace marrowbox {
 
@@ -20,25 +17,21 @@ class ManifestReader {
   public:
     /// The items of a listing that the entries may be of; of use when in the order of their paths. They must
     /// outlive the reader.
-    explicit ManifestReader(std::span<const SourceEntry> listing)
-        : listing_(listing), lastCount_(listing.size()) {}
+    explicit ManifestReader(std::span<const SourceEntry> listing) : listing_(listing) {}
 
-    /// A manifest, and what of it was not known.
-    struct Reading {
-        Snapshot snapshot;
-        std::vector<Shared<SnapshotEntry>> fresh;
-        /// Whether it has an entry at a path where nothing was known, or only the other of file and folder.
-        bool hasNewPath = true;
-    };
-    /// Reads a manifest that may repeat known entries. Throws what decoding throws.
-    Reading read(const Descriptor& file, const KnownEntries& known);
+    /// The entries that the next manifest may repeat, in the order of their paths, any number at one path.
+    /// They must stay in place until it is read.
+    void expect(std::span<const Shared<SnapshotEntry>> entries) { known_ = entries; }
+
+    /// Throws what decoding throws.
+    Snapshot read(const Descriptor& file);
 
   private:
-    std::optional<Reading> readFamiliar(const Descriptor& file, const KnownEntries& known);
+    std::optional<Snapshot> readFamiliar(const Descriptor& file);
 
     std::span<const SourceEntry> listing_;
+    std::span<const Shared<SnapshotEntry>> known_;
     JSONSharing sharing_;
-    std::size_t lastCount_ = 0; ///< Entries of the manifest before. Room for so many leaves nothing over.
 };
 
 } // namespace marrowbox

@@ -3,10 +3,8 @@
 #include "Repository/BackupRepository.h"
 #include "Repository/ObjectLinks.h"
 #include "Repository/ObjectStatus.h"
-#include "Repository/ParallelWork.h"
 
 #include <boost/unordered/unordered_flat_set.hpp>
-#include <exception>
 
 namespace marrowbox {
 
@@ -58,11 +56,8 @@ bool hasTwoCharacters(std::string_view name) {
     return count == 2;
 }
 
-void sweepFanOut(const ObjectPaths& paths, const std::string& name, const ObjectSet& kept) {
-    rejectSymlink(paths.objects / name);
-    if (!hasTwoCharacters(name))
-        return;
-    ObjectLinks links(paths);
+void sweepFanOut(const ObjectPaths& paths, const std::string& name, const ObjectSet& kept,
+                 ObjectLinks& links) {
     for (const auto& file : directoryNames(paths.objects / name)) {
         const ObjectHash hash(file);
         requireValid(hash);
@@ -75,14 +70,13 @@ void sweepFanOut(const ObjectPaths& paths, const std::string& name, const Object
 }
 
 /// Removes what no retained snapshot names, and stops at anything that this program would not have put there.
-/// Removing is the system's work for the most part, so several folders are swept at a time.
 void sweep(const ObjectPaths& paths, const ObjectSet& kept) {
-    const std::vector<std::string> names = directoryNames(paths.objects);
-    ParallelWork workers;
-    const auto failed =
-        workers.forEach(names.size(), [&](std::size_t index) { sweepFanOut(paths, names[index], kept); });
-    if (failed)
-        std::rethrow_exception(failed->failure);
+    ObjectLinks links(paths);
+    for (const auto& name : directoryNames(paths.objects)) {
+        rejectSymlink(paths.objects / name);
+        if (hasTwoCharacters(name))
+            sweepFanOut(paths, name, kept, links);
+    }
 }
 
 } // namespace
