@@ -14,7 +14,7 @@ Section {
 
     GridLayout {
         Layout.fillWidth: true
-        columns: 4
+        columns: 2
         columnSpacing: Appearance.smallGap
         rowSpacing: Appearance.smallGap
 

@@ -4,10 +4,12 @@ import Marrowbox.Appearance
 import Marrowbox.SetupViews
 
 // Where the backup is kept.
-Card {
+Section {
     id: root
 
     required property NewUnitModel model
+
+    note: model.hasDestination ? "" : model.destinationNote
 
     RowLayout {
         spacing: Appearance.gap
@@ -18,24 +20,10 @@ Card {
             color: root.model.hasDestination ? Appearance.accentOf(Appearance.theme).ink : Appearance.muted
         }
 
-        ColumnLayout {
+        ElidedWords {
             Layout.fillWidth: true
-            spacing: Appearance.hairGap
-
-            ElidedWords {
-                Layout.fillWidth: true
-                text: root.model.destinationText
-                font: root.model.hasDestination ? Appearance.strong : Appearance.body
-            }
-
-            Words {
-                Layout.fillWidth: true
-                visible: !root.model.hasDestination
-                text: root.model.destinationNote
-                font: Appearance.caption
-                color: Appearance.muted
-                wrapMode: Text.Wrap
-            }
+            text: root.model.destinationText
+            font: root.model.hasDestination ? Appearance.strong : Appearance.body
         }
 
         ActionButton {
