@@ -11,7 +11,7 @@ Text {
     color: tone === Tone.Neutral ? Appearance.text : Appearance.toneColor(tone)
     textFormat: Text.PlainText
     elide: wrapMode === Text.NoWrap ? Text.ElideRight : Text.ElideNone
-    lineHeight: lineCount > 1 ? Appearance.lineHeight : 1
+    lineHeight: wrapMode === Text.NoWrap ? 1 : Appearance.lineHeight
     Accessible.name: text
     Accessible.role: spokenRole
 }
