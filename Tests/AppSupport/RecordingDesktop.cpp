@@ -81,12 +81,12 @@ ByteString RecordingDesktop::bookmark(const fs::path& folder) {
 
 void RecordingDesktop::choose(std::optional<fs::path> answer) {
     answers_.push_back(std::move(answer));
-    if (open_)
-        open_->cancel();
+    if (const auto open = open_.lock())
+        open->cancel();
 }
 
 bool RecordingDesktop::isChoosing() const {
-    return open_ != nullptr;
+    return !open_.expired();
 }
 
 void RecordingDesktop::wake() const {
@@ -143,7 +143,7 @@ asio::awaitable<std::optional<fs::path>> RecordingDesktop::chooseFolder(std::str
 }
 
 asio::awaitable<std::optional<fs::path>> RecordingDesktop::nextAnswer() {
-    assert(!open_ && "the user looks at one chooser at a time");
+    assert(open_.expired() && "the user looks at one chooser at a time");
     if (answers_.empty()) {
         auto timer = std::make_shared<asio::steady_timer>(co_await asio::this_coro::executor);
         timer->expires_at(asio::steady_timer::time_point::max());

@@ -79,7 +79,7 @@ class RecordingDesktop : public Desktop {
     std::shared_ptr<Memory> memory_; // an activity may outlive the desktop
     DesktopEvents events_;
     std::deque<std::optional<fs::path>> answers_;
-    std::shared_ptr<asio::steady_timer> open_;
+    std::weak_ptr<asio::steady_timer> open_; ///< Of the work that waits, and gone with it.
 };
 
 } // namespace marrowbox::test

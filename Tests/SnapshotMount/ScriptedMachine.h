@@ -50,6 +50,7 @@ class ScriptedMachine final : public SnapshotMountSystem {
     /// Holds the calls that begin with these words.
     std::shared_ptr<Gate> hold(const std::string& call, const asio::any_io_executor& executor);
     void release(const std::string& call) { gates_.erase(call); }
+    void releaseAll() { gates_.clear(); }
     /// What the machine does when nothing else is told.
     Result usual(const ToolCommand& command);
 

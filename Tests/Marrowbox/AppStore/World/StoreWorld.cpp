@@ -144,7 +144,10 @@ AppStore& StoreWorld::start() {
 
 void StoreWorld::end() {
     store.reset();
+    // Whatever holds a timer goes before the context that it waits on.
     sourceGate_.reset();
+    machine->releaseAll();
+    web = nullptr;
     time.abandon();
 }
 
