@@ -24,12 +24,18 @@ bool isRetained(const std::vector<Item>& history, const Item& item, Date cutoff)
 std::vector<const SnapshotEntry*> retainedEntries(const std::vector<Item>& history, Date cutoff) {
     boost::unordered_flat_set<const SnapshotEntry*> known;
     std::vector<const SnapshotEntry*> entries;
+    const std::vector<const SnapshotEntry*> none;
+    const auto* before = &none;
     for (const Item& item : history) {
         if (!isRetained(history, item, cutoff))
             continue;
-        for (const SnapshotEntry* entry : item.entries)
-            if (known.insert(entry).second)
+        for (std::size_t index = 0; index < item.entries.size(); ++index) {
+            const SnapshotEntry* entry = item.entries[index];
+            const bool isAsBefore = index < before->size() && (*before)[index] == entry;
+            if (!isAsBefore && known.insert(entry).second)
                 entries.push_back(entry);
+        }
+        before = &item.entries;
     }
     return entries;
 }
