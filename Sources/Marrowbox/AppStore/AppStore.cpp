@@ -66,11 +66,11 @@ void AppStore::requireWritable() const {
 
 void AppStore::persist() {
     requireWritable();
-    JSONFile::write(*state_.configuration, dataDirectory_ / "Configuration.json");
-    synchronizeConfiguration();
+    JSONFile::writeDurably(*state_.configuration, dataDirectory_ / "Configuration.json");
+    synchronizeNames();
 }
 
-void AppStore::synchronizeConfiguration() {
+void AppStore::synchronizeNames() {
     if (std::exchange(isSynchronizing_, true))
         synchronizesAgain_ = true;
     else
@@ -78,15 +78,12 @@ void AppStore::synchronizeConfiguration() {
 }
 
 asio::awaitable<void> AppStore::waitForTheDisk() {
-    // Some file systems write the new name before the new content, and a power cut between the two leaves an
-    // empty file. The wait for the disk keeps that moment short, and is no business of the main thread's.
+    // Until the disk has the new name, a power cut brings the old file back, whole. That may wait for the
+    // pool; the content may not, since a name without content would be all that is left.
     const HeldFlag synchronizing(isSynchronizing_);
     do {
         synchronizesAgain_ = false;
-        co_await onExecutor(around_.pool, [folder = dataDirectory_] {
-            synchronizeFile(folder / "Configuration.json");
-            synchronizeFolder(folder);
-        });
+        co_await onExecutor(around_.pool, [folder = dataDirectory_] { synchronizeFolder(folder); });
     } while (synchronizesAgain_);
 }
 
