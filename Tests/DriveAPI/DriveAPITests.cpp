@@ -329,6 +329,32 @@ TEST_F(DriveAPITest, keepsOneConnectionForAWholeInventory) {
     EXPECT_EQ(sandbox_.requests().connectionCount(), 1U);
 }
 
+TEST_F(DriveAPITest, finishesAFolderOfSeveralPagesBeforeItAsksForTheNext) {
+    const std::string top = drive_.addGenerated("root", "Many", {.folders = 3, .filesPerFolder = 1001});
+    EXPECT_THAT(inventory(location(top)), SizeIs(3 + 3 * 1001));
+    std::vector<bool> isLaterPage;
+    for (const RecordedRequest& request : sandbox_.requests().matching(anyListing()))
+        isLaterPage.push_back(request.queryItem("pageToken").has_value());
+    EXPECT_THAT(isLaterPage, ElementsAre(false, false, true, false, true, false, true));
+}
+
+TEST_F(DriveAPITest, asksForEachFolderOnceThoughAnAnswerBetweenThemFails) {
+    const std::string top = drive_.addFolder("root", "Top");
+    std::vector<std::string> folders;
+    for (const char* name : {"1", "2", "3", "4"})
+        folders.push_back(drive_.addFolder(top, name));
+    sandbox_.inject(Fault::on(listing(folders[1])).answer(503).times(2));
+    EXPECT_THAT(inventory(location(top)), SizeIs(4));
+    std::vector<std::string> asked;
+    for (const RecordedRequest& request : sandbox_.requests().matching(anyListing()))
+        asked.push_back(*request.queryItem("q"));
+    const auto children = [](const std::string& id) { return "'" + id + "' in parents and trashed = false"; };
+    EXPECT_THAT(asked,
+                ElementsAre(children(top), children(folders[0]), children(folders[1]), children(folders[1]),
+                            children(folders[1]), children(folders[2]), children(folders[3])));
+    EXPECT_THAT(waits_.seconds(), ElementsAre(2, 4));
+}
+
 TEST_F(DriveAPITest, staysUsableWhileACopyOfItWorks) {
     const std::string id = drive_.addFile("root", "a", "");
     auto work = DriveAPI(api_).file(id, {});

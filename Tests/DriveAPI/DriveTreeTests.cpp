@@ -244,13 +244,25 @@ TEST(DriveTree, tellsTheRefusalThatComesFirstInAFileBrowser) {
 TEST(DriveTree, knowsTheUpcomingFolderAsSoonAsItCan) {
     DriveTree tree = treeOf();
     EXPECT_EQ(tree.nextFolder(), source);
-    EXPECT_EQ(tree.upcomingFolder(), std::nullopt);
+    EXPECT_EQ(tree.upcomingFolder(1), std::nullopt);
     tree.add({driveFolder("a", "a"), driveFolder("b", "b"), driveFolder("top", "c")});
     EXPECT_EQ(tree.nextFolder()->id, "a");
-    EXPECT_EQ(tree.upcomingFolder()->id, "b");
+    EXPECT_EQ(tree.upcomingFolder(1)->id, "b");
+    EXPECT_EQ(tree.upcomingFolder(2), std::nullopt) << "the cycle is for its turn to find";
     tree.add({});
     EXPECT_EQ(tree.nextFolder()->id, "b");
-    EXPECT_EQ(tree.upcomingFolder(), std::nullopt) << "the cycle is for its turn to find";
+    EXPECT_EQ(tree.upcomingFolder(1), std::nullopt);
+}
+
+TEST(DriveTree, knowsNoFolderAheadThatComesTwice) {
+    DriveTree tree = treeOf();
+    tree.nextFolder();
+    tree.add({driveFolder("a", "a"), driveFolder("b", "b"), driveFolder("b", "c"), driveFolder("d", "d")});
+    tree.nextFolder();
+    EXPECT_EQ(tree.upcomingFolder(1)->id, "b");
+    EXPECT_EQ(tree.upcomingFolder(2), std::nullopt);
+    EXPECT_EQ(tree.upcomingFolder(3)->id, "d");
+    EXPECT_EQ(tree.upcomingFolder(4), std::nullopt);
 }
 
 TEST(DriveTree, sortsByTheBytesOfWholePaths) {

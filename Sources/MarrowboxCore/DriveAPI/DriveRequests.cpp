@@ -25,8 +25,14 @@ std::size_t find(std::string_view text, std::string_view part) {
 } // namespace
 
 asio::awaitable<std::string> fetch(DriveAPI api, std::string path, Query query, std::stop_token stop) {
+    return fetch(std::move(api), std::move(path), std::move(query), {}, std::move(stop));
+}
+
+asio::awaitable<std::string> fetch(DriveAPI api, std::string path, Query query, HTTPOrder order,
+                                   std::stop_token stop) {
     std::string url = "https://www.googleapis.com/drive/v3/" + path + "?" + WebEncoding::form(query);
-    std::string body = co_await api.auth->request(std::move(url), std::move(api.accountID), std::move(stop));
+    std::string body = co_await api.auth->request(std::move(url), std::move(api.accountID), std::move(order),
+                                                  std::move(stop));
     co_return body;
 }
 

@@ -31,6 +31,9 @@ BOOST_DESCRIBE_STRUCT(DrivePage, (), (drives, nextPageToken))
 
 /// The body of one answer.
 asio::awaitable<std::string> fetch(DriveAPI api, std::string path, Query query, std::stop_token stop);
+/// The same for one of several requests that belong together.
+asio::awaitable<std::string> fetch(DriveAPI api, std::string path, Query query, HTTPOrder order,
+                                   std::stop_token stop);
 
 Query drivesQuery();
 Query fileQuery();

@@ -62,10 +62,16 @@ std::optional<DriveLocation> DriveTree::nextFolder() {
     return location;
 }
 
-std::optional<DriveLocation> DriveTree::upcomingFolder() const {
-    if (next_ + 1 >= folders_.size() || visited_.contains(folders_[next_ + 1].location.id))
+std::optional<DriveLocation> DriveTree::upcomingFolder(std::size_t distance) const {
+    if (distance >= folders_.size() - next_)
         return std::nullopt;
-    return folders_[next_ + 1].location;
+    const DriveLocation& upcoming = folders_[next_ + distance].location;
+    if (visited_.contains(upcoming.id))
+        return std::nullopt;
+    for (std::size_t before = next_ + 1; before < next_ + distance; ++before)
+        if (folders_[before].location.id == upcoming.id)
+            return std::nullopt;
+    return upcoming;
 }
 
 void DriveTree::add(std::vector<DriveFile> children) {

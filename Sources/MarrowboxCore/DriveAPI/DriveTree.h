@@ -25,8 +25,9 @@ class DriveTree {
 
     /// The folder whose children come next; absent when all are known. Throws when it was listed before.
     std::optional<DriveLocation> nextFolder();
-    /// The folder that will come next, as soon as that can be told; absent also when it would be refused.
-    std::optional<DriveLocation> upcomingFolder() const;
+    /// The folder whose turn comes after so many others, from 1 for the one behind the folder that comes
+    /// next, as soon as that can be told; absent also when it would be refused.
+    std::optional<DriveLocation> upcomingFolder(std::size_t distance) const;
     /// Takes the children of the folder that came next, in any order.
     void add(std::vector<DriveFile> children);
     /// All entries, checked and sorted by path, once all folders are added. Ends the walk.

@@ -3,13 +3,28 @@
 #include "DriveAPI/DriveRequests.h"
 #include "Platform/Cancellation.h"
 
-#include <boost/asio/experimental/awaitable_operators.hpp>
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/experimental/concurrent_channel.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/this_coro.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <exception>
+#include <functional>
+#include <string>
 
 namespace marrowbox {
 
 using DriveRequests::FilePage;
 
 namespace {
+
+/// What came of asking for a page.
+struct Arrival {
+    std::string body;
+    std::exception_ptr failure;
+};
+
+using Arrivals = asio::experimental::concurrent_channel<void(boost::system::error_code, Arrival)>;
 
 void append(std::vector<DriveFile>& files, std::vector<DriveFile> page) {
     if (files.empty())
@@ -18,40 +33,72 @@ void append(std::vector<DriveFile>& files, std::vector<DriveFile> page) {
         std::ranges::move(page, std::back_inserter(files));
 }
 
+asio::awaitable<std::string> firstPage(DriveAPI api, DriveLocation folder, HTTPOrder order,
+                                       std::stop_token stop) {
+    DriveRequests::Query query = DriveRequests::childrenQuery(folder, DriveItems::all);
+    std::string body = co_await DriveRequests::fetch(std::move(api), "files", std::move(query),
+                                                     std::move(order), std::move(stop));
+    co_return body;
+}
+
 } // namespace
 
+/// The first page of a folder on its way.
+struct DriveWalk::Fetch {
+    Fetch(const asio::any_io_executor& executor, const std::stop_token& stop)
+        : arrivals(executor, 1), onStop(stop, [this] { ending.request_stop(); }) {}
+
+    std::stop_source ending;
+    std::shared_ptr<HTTPTurn> turn = std::make_shared<HTTPTurn>(DriveRequests::isSurelyLast);
+    Arrivals arrivals;
+    std::stop_callback<std::function<void()>> onStop;
+};
+
 asio::awaitable<std::vector<SourceEntry>> DriveWalk::run(std::shared_ptr<DriveWalk> self) {
+    std::exception_ptr failure;
+    std::vector<SourceEntry> entries;
+    try {
+        entries = co_await walk(self);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    co_await dropAhead(self);
+    if (failure)
+        std::rethrow_exception(failure);
+    co_return entries;
+}
+
+asio::awaitable<std::vector<SourceEntry>> DriveWalk::walk(std::shared_ptr<DriveWalk> self) {
+    self->executor_ = co_await asio::this_coro::executor;
     const DriveFile source = co_await self->api_.file(self->source_.id, self->stop_);
     self->tree_.emplace(self->source_, source);
-    Page first;
     for (;;) {
         throwIfCancelled(self->stop_);
         std::optional<DriveLocation> folder = self->tree_->nextFolder();
         if (!folder)
             co_return self->tree_->finish();
-        Page ahead = co_await list(self, std::move(*folder), std::move(first));
-        first = std::move(ahead);
+        if (self->ahead_.empty())
+            self->ask(*folder, nullptr);
+        co_await list(self, std::move(*folder));
     }
 }
 
-/// Lists one folder, whose first page may have come already. Gives that of the next one where it came
-/// meanwhile.
-asio::awaitable<DriveWalk::Page> DriveWalk::list(std::shared_ptr<DriveWalk> self, DriveLocation folder,
-                                                 Page first) {
+/// Lists the folder that comes next, which is the first one that was asked for.
+asio::awaitable<void> DriveWalk::list(std::shared_ptr<DriveWalk> self, DriveLocation folder) {
+    const std::shared_ptr<Fetch> fetch = std::move(self->ahead_.front());
+    self->ahead_.pop_front();
+    self->makeReady(1);
+    Arrival first = co_await fetch->arrivals.async_receive(asio::use_awaitable);
+    if (first.failure)
+        std::rethrow_exception(first.failure);
+    if (!fetch->turn->hasPassed())
+        co_await dropAhead(self);
     DriveRequests::Query query = DriveRequests::childrenQuery(folder, DriveItems::all);
     std::vector<DriveFile> files;
-    std::string body;
-    if (first)
-        body = std::move(*first);
-    else
-        body = co_await DriveRequests::fetch(self->api_, "files", query, self->stop_);
+    std::string body = std::move(first.body);
     for (;;) {
-        std::optional<DriveLocation> upcoming = self->tree_->upcomingFolder();
-        if (upcoming && DriveRequests::isSurelyLast(body)) {
-            Page ahead =
-                co_await addWhileFetching(self, std::move(*upcoming), std::move(files), std::move(body));
-            co_return ahead;
-        }
+        if (DriveRequests::isSurelyLast(body))
+            co_await askFurther(self);
         FilePage page = DriveRequests::filePage(body);
         append(files, std::move(page.files));
         if (!page.nextPageToken)
@@ -60,50 +107,53 @@ asio::awaitable<DriveWalk::Page> DriveWalk::list(std::shared_ptr<DriveWalk> self
         body = co_await DriveRequests::fetch(self->api_, "files", query, self->stop_);
     }
     self->tree_->add(std::move(files));
-    co_return std::nullopt;
 }
 
-asio::awaitable<DriveWalk::Page> DriveWalk::addWhileFetching(std::shared_ptr<DriveWalk> self,
-                                                             DriveLocation upcoming,
-                                                             std::vector<DriveFile> files, std::string last) {
-    using namespace asio::experimental::awaitable_operators;
+/// Gives the service the next folder to work on, unless the last answer did, and gets the one behind ready.
+asio::awaitable<void> DriveWalk::askFurther(std::shared_ptr<DriveWalk> self) {
     throwIfCancelled(self->stop_);
-    std::stop_source ending;
-    const std::stop_callback onStop(self->stop_, [ending]() mutable { ending.request_stop(); });
-    auto fetching = fetchAhead(self, std::move(upcoming), ending.get_token());
-    auto adding = add(self, std::move(files), std::move(last), ending);
-    auto [ahead, refusal] = co_await (std::move(fetching) && std::move(adding));
-    // What the folder itself is refused for comes first.
-    if (refusal)
-        std::rethrow_exception(refusal);
-    if (ahead.failure)
-        std::rethrow_exception(ahead.failure);
-    co_return std::move(ahead.body);
+    if (self->ahead_.empty()) {
+        std::optional<DriveLocation> upcoming = self->tree_->upcomingFolder(1);
+        if (upcoming)
+            self->ask(std::move(*upcoming), nullptr);
+    }
+    self->makeReady(2);
+    // They begin before this executor is busy with entries.
+    co_await asio::post(asio::use_awaitable);
 }
 
-asio::awaitable<DriveWalk::Ahead> DriveWalk::fetchAhead(std::shared_ptr<DriveWalk> self, DriveLocation folder,
-                                                        std::stop_token stop) {
-    Ahead ahead;
-    try {
-        auto query = DriveRequests::childrenQuery(folder, DriveItems::all);
-        ahead.body = co_await DriveRequests::fetch(self->api_, "files", std::move(query), std::move(stop));
-    } catch (...) {
-        ahead.failure = std::current_exception();
+/// Ends what was asked for ahead and waits for its end.
+asio::awaitable<void> DriveWalk::dropAhead(std::shared_ptr<DriveWalk> self) {
+    for (const auto& fetch : self->ahead_)
+        fetch->ending.request_stop();
+    while (!self->ahead_.empty()) {
+        const std::shared_ptr<Fetch> fetch = std::move(self->ahead_.front());
+        self->ahead_.pop_front();
+        const Arrival unwanted = co_await fetch->arrivals.async_receive(asio::use_awaitable);
+        (void)unwanted;
     }
-    co_return ahead;
 }
 
-asio::awaitable<std::exception_ptr> DriveWalk::add(std::shared_ptr<DriveWalk> self,
-                                                   std::vector<DriveFile> files, std::string last,
-                                                   std::stop_source onFailure) {
-    try {
-        append(files, DriveRequests::filePage(last).files);
-        self->tree_->add(std::move(files));
-    } catch (...) {
-        onFailure.request_stop();
-        co_return std::current_exception();
+void DriveWalk::ask(DriveLocation folder, std::shared_ptr<HTTPTurn> after) {
+    const auto fetch = std::make_shared<Fetch>(executor_, stop_);
+    ahead_.push_back(fetch);
+    latestTurn_ = fetch->turn;
+    HTTPOrder order{.turn = fetch->turn, .after = std::move(after)};
+    asio::co_spawn(executor_, firstPage(api_, std::move(folder), std::move(order), fetch->ending.get_token()),
+                   [fetch](std::exception_ptr failure, std::string body) {
+                       fetch->arrivals.try_send(boost::system::error_code(),
+                                                Arrival{std::move(body), std::move(failure)});
+                   });
+}
+
+/// Has requests stand ready for so many folders behind the one at work, as far as those are known.
+void DriveWalk::makeReady(std::size_t count) {
+    while (api_.auth->keepsOrder() && ahead_.size() < count) {
+        std::optional<DriveLocation> upcoming = tree_->upcomingFolder(ahead_.size() + 1);
+        if (!upcoming)
+            return;
+        ask(std::move(*upcoming), latestTurn_);
     }
-    co_return nullptr;
 }
 
 } // namespace marrowbox

@@ -3,18 +3,20 @@
 #include "DriveAPI/DriveAPI.h"
 #include "DriveAPI/DriveTree.h"
 
+#include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/awaitable.hpp>
-#include <exception>
+#include <cstddef>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <stop_token>
-#include <string>
 #include <vector>
 
 namespace marrowbox {
 
-/// One inventory at work. Requests go out strictly one after the other; while the service works on one, the
-/// answer before it is turned into entries.
+/// One inventory at work. Requests go out strictly one after the other. While the service works on one, the
+/// answer before it is turned into entries and the request behind it is made ready, so that the service never
+/// waits for either.
 class DriveWalk {
   public:
     DriveWalk(DriveAPI api, DriveLocation of, std::stop_token stop)
@@ -23,26 +25,22 @@ class DriveWalk {
     static asio::awaitable<std::vector<SourceEntry>> run(std::shared_ptr<DriveWalk> self);
 
   private:
-    /// The first page of the next folder, or the failure to fetch it.
-    struct Ahead {
-        std::string body;
-        std::exception_ptr failure;
-    };
-    using Page = std::optional<std::string>;
+    struct Fetch;
 
-    static asio::awaitable<Page> list(std::shared_ptr<DriveWalk> self, DriveLocation folder, Page first);
-    static asio::awaitable<Page> addWhileFetching(std::shared_ptr<DriveWalk> self, DriveLocation upcoming,
-                                                  std::vector<DriveFile> files, std::string last);
-    static asio::awaitable<Ahead> fetchAhead(std::shared_ptr<DriveWalk> self, DriveLocation folder,
-                                             std::stop_token stop);
-    static asio::awaitable<std::exception_ptr> add(std::shared_ptr<DriveWalk> self,
-                                                   std::vector<DriveFile> files, std::string last,
-                                                   std::stop_source onFailure);
+    static asio::awaitable<std::vector<SourceEntry>> walk(std::shared_ptr<DriveWalk> self);
+    static asio::awaitable<void> list(std::shared_ptr<DriveWalk> self, DriveLocation folder);
+    static asio::awaitable<void> askFurther(std::shared_ptr<DriveWalk> self);
+    static asio::awaitable<void> dropAhead(std::shared_ptr<DriveWalk> self);
+    void ask(DriveLocation folder, std::shared_ptr<HTTPTurn> after);
+    void makeReady(std::size_t count);
 
     DriveAPI api_;
     DriveLocation source_;
     std::stop_token stop_;
+    asio::any_io_executor executor_;
     std::optional<DriveTree> tree_;
+    std::deque<std::shared_ptr<Fetch>> ahead_; ///< What is asked for, in order, and not yet received.
+    std::shared_ptr<HTTPTurn> latestTurn_;     ///< Of what was asked for last.
 };
 
 } // namespace marrowbox

@@ -40,11 +40,12 @@ std::string credentialKey(const std::string& accountID) {
     return "google." + accountID;
 }
 
-HTTPRequest authorisedRequest(std::string url, const OAuthToken& token) {
+HTTPRequest authorisedRequest(std::string url, const OAuthToken& token, HTTPOrder order = {}) {
     return {.method = "GET",
             .url = std::move(url),
             .headers = {{"Authorization", "Bearer " + token.accessToken}},
-            .body = {}};
+            .body = {},
+            .order = std::move(order)};
 }
 
 std::map<std::string, std::string> renewalFields(const OAuthClient& client, const OAuthToken& token) {
@@ -95,8 +96,14 @@ asio::awaitable<OAuthToken> GoogleAuth::token(std::string accountID, std::stop_t
 
 asio::awaitable<std::string> GoogleAuth::request(std::string url, std::string accountID,
                                                  std::stop_token stop) const {
-    return asio::co_spawn(strand_, authorisedGet(std::move(url), std::move(accountID), std::move(stop)),
-                          asio::use_awaitable);
+    return request(std::move(url), std::move(accountID), {}, std::move(stop));
+}
+
+asio::awaitable<std::string> GoogleAuth::request(std::string url, std::string accountID, HTTPOrder order,
+                                                 std::stop_token stop) const {
+    return asio::co_spawn(
+        strand_, authorisedGet(std::move(url), std::move(accountID), std::move(order), std::move(stop)),
+        asio::use_awaitable);
 }
 
 asio::awaitable<GoogleAccount> GoogleAuth::save(OAuthToken token, std::stop_token stop) const {
@@ -130,9 +137,10 @@ asio::awaitable<OAuthToken> GoogleAuth::validToken(std::string accountID, std::s
 }
 
 asio::awaitable<std::string> GoogleAuth::authorisedGet(std::string url, std::string accountID,
-                                                       std::stop_token stop) const {
+                                                       HTTPOrder order, std::stop_token stop) const {
     const OAuthToken token = co_await validToken(std::move(accountID), stop);
-    std::string body = co_await http_.data(authorisedRequest(std::move(url), token), std::move(stop));
+    std::string body =
+        co_await http_.data(authorisedRequest(std::move(url), token, std::move(order)), std::move(stop));
     co_return body;
 }
 

@@ -35,6 +35,10 @@ class GoogleAuth {
 
     /// The body of an authorised GET.
     asio::awaitable<std::string> request(std::string url, std::string accountID, std::stop_token stop) const;
+    /// The same for one of several that belong together. Its token is read when it is made ready.
+    asio::awaitable<std::string> request(std::string url, std::string accountID, HTTPOrder order,
+                                         std::stop_token stop) const;
+    bool keepsOrder() const { return http_.keepsOrder(); }
 
     /// Asks whose token it is and stores it under that account. Throws BackupError, with nothing stored, when
     /// it does not grant reading Drive.
@@ -48,7 +52,7 @@ class GoogleAuth {
 
   private:
     asio::awaitable<OAuthToken> validToken(std::string accountID, std::stop_token stop) const;
-    asio::awaitable<std::string> authorisedGet(std::string url, std::string accountID,
+    asio::awaitable<std::string> authorisedGet(std::string url, std::string accountID, HTTPOrder order,
                                                std::stop_token stop) const;
     asio::awaitable<GoogleAccount> store(OAuthToken token, std::stop_token stop) const;
 

@@ -105,6 +105,7 @@ HTTP::HTTP(HTTPSession& session, Wait wait)
     : HTTP([&session](std::shared_ptr<const HTTPRequest> request,
                       std::stop_token stop) { return session.send(std::move(request), std::move(stop)); },
            std::move(wait)) {
+    keepsOrder_ = true;
 }
 
 HTTP::HTTP(HTTPSend send, Wait wait) : send_(std::move(send)), wait_(std::move(wait)) {

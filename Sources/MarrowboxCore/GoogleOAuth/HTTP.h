@@ -28,10 +28,13 @@ class HTTP {
     /// The body of a response from 200 to 299. Throws BackupError for any other, the TransportError of the
     /// last attempt, and CancellationError.
     asio::awaitable<std::string> data(HTTPRequest request, std::stop_token stop) const;
+    /// Whether a request's place among others is kept; where it is not, each is sent as soon as it is given.
+    bool keepsOrder() const { return keepsOrder_; }
 
   private:
     HTTPSend send_;
     Wait wait_;
+    bool keepsOrder_ = false;
 };
 
 /// What to do about a response or a failure, apart from doing it.

@@ -105,7 +105,10 @@ void HTTPSession::Network::start(const std::shared_ptr<HTTPTransfer>& transfer) 
     try {
         CURL* handle = transfer->prepare(settings_);
         active_.emplace(handle, transfer);
-        curl_multi_add_handle(multi_.get(), handle);
+        if (transfer->mayLeave())
+            curl_multi_add_handle(multi_.get(), handle);
+        else
+            waiting_.push_back(transfer);
     } catch (...) {
         failure = std::current_exception();
     }
@@ -135,8 +138,19 @@ void HTTPSession::Network::reportFinished() {
         const auto node = active_.extract(message->easy_handle);
         // The connection goes back to the pool before anybody can ask for it again.
         curl_multi_remove_handle(multi_.get(), node.key());
+        node.mapped()->passTurn(code);
+        releaseWaiting();
         node.mapped()->finish(code);
     }
+}
+
+void HTTPSession::Network::releaseWaiting() {
+    std::erase_if(waiting_, [this](const auto& transfer) {
+        if (!transfer->mayLeave() || transfer->isCancelled())
+            return false;
+        curl_multi_add_handle(multi_.get(), transfer->handle());
+        return true;
+    });
 }
 
 void HTTPSession::Network::abandon(const std::shared_ptr<HTTPTransfer>& transfer,
@@ -145,6 +159,7 @@ void HTTPSession::Network::abandon(const std::shared_ptr<HTTPTransfer>& transfer
     if (found == active_.end() || found->second != transfer)
         return;
     const auto node = active_.extract(found);
+    std::erase(waiting_, transfer);
     curl_multi_remove_handle(multi_.get(), node.key());
     transfer->fail(std::move(failure));
 }

@@ -40,12 +40,14 @@ class HTTPSession::Network {
     void start(const std::shared_ptr<HTTPTransfer>& transfer);
     void move();
     void reportFinished();
+    void releaseWaiting();
     void abandon(const std::shared_ptr<HTTPTransfer>& transfer, std::exception_ptr failure);
     void abandonAll(TransportErrorCode code, const char* words);
 
     HTTPSettings settings_;
     std::unique_ptr<CURLM, FreeMulti> multi_;
     std::unordered_map<CURL*, std::shared_ptr<HTTPTransfer>> active_;
+    std::vector<std::shared_ptr<HTTPTransfer>> waiting_; ///< Those of them that wait for their turn.
     std::mutex mutex_;
     Inbox inbox_;
     std::thread thread_;

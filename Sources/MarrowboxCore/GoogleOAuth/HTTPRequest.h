@@ -1,5 +1,7 @@
 #pragma once
 
+#include "GoogleOAuth/HTTPTurn.h"
+
 #include <chrono>
 #include <string>
 #include <utility>
@@ -15,6 +17,7 @@ struct HTTPRequest {
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body;
     std::chrono::seconds timeout{60}; ///< For connecting, and for a transfer on which nothing moves.
+    HTTPOrder order{};                ///< Of a request that does not stand alone.
 };
 
 /// What came back, whatever its status.

@@ -10,6 +10,8 @@ namespace {
 
 // Large enough that a page of a listing arrives in one or two pieces.
 constexpr long receiveBuffer = 256L << 10;
+// What was made ready for a request may be too old after a longer time than this.
+constexpr curl_off_t longestTurn = 30'000'000; // microseconds
 
 bool isSuccess(long status) {
     return status >= 200 && status <= 299;
@@ -191,6 +193,22 @@ std::exception_ptr HTTPTransfer::failure(CURLcode code) const {
         return std::make_exception_ptr(BackupError("The server returned a response that is too large."));
     const char* words = words_.front() != '\0' ? words_.data() : curl_easy_strerror(code);
     return std::make_exception_ptr(TransportError(errorCode(code), words));
+}
+
+bool HTTPTransfer::mayLeave() const {
+    const auto& after = request_->order.after;
+    return !after || after->hasPassed();
+}
+
+void HTTPTransfer::passTurn(CURLcode code) {
+    const auto& turn = request_->order.turn;
+    if (!turn)
+        return;
+    curl_off_t duration = 0;
+    curl_easy_getinfo(easy_.get(), CURLINFO_TOTAL_TIME_T, &duration);
+    const std::string_view body = body_;
+    const bool isAnswer = code == CURLE_OK && isSuccess(statusOf(easy_.get())) && duration <= longestTurn;
+    turn->decide(isAnswer ? &body : nullptr);
 }
 
 void HTTPTransfer::finish(CURLcode code) {

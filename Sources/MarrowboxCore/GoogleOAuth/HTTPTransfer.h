@@ -33,6 +33,10 @@ class HTTPTransfer {
     /// The handle, ready to be performed. Throws TransportError for a request that cannot be sent.
     CURL* prepare(const HTTPSettings& settings);
     CURL* handle() const { return easy_.get(); }
+    /// Whether it does not wait for a turn, or no longer.
+    bool mayLeave() const;
+    /// Decides the turn of the request, if it has one, by what the performed handle brought.
+    void passTurn(CURLcode code);
     /// Reports what the performed handle brought.
     void finish(CURLcode code);
     /// Reports a failure in place of a response.
