@@ -8,6 +8,7 @@
 #include "Platform/Cancellation.h"
 
 #include <boost/asio/co_spawn.hpp>
+#include <fcntl.h>
 
 namespace marrowbox {
 
@@ -66,7 +67,12 @@ void AppStore::requireWritable() const {
 
 void AppStore::persist() {
     requireWritable();
-    JSONFile::writeDurably(*state_.configuration, dataDirectory_ / "Configuration.json");
+    const fs::path file = dataDirectory_ / "Configuration.json";
+    // Who lets go of a file that has lost its name waits until the file system has freed what it held, longer
+    // than the writing takes. While it is open here that is not the rename, but the close on the pool.
+    Descriptor replaced(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    JSONFile::writeDurably(*state_.configuration, file);
+    letGoOn(around_.pool, std::move(replaced));
     synchronizeNames();
 }
 

@@ -104,27 +104,13 @@ void JSONWriter::open(char bracket) {
 
 void JSONWriter::close(char bracket) {
     --depth_;
+    char* to = room(indentation() + widest + 1);
+    char* const start = to;
     if (!isFirst_)
-        newLine();
-    append({&bracket, 1});
+        to = startLine(to);
+    *to++ = bracket;
+    used_ += static_cast<std::size_t>(to - start);
     isFirst_ = false;
-}
-
-void JSONWriter::separate() {
-    if (!isFirst_)
-        append(",");
-    isFirst_ = false;
-    newLine();
-}
-
-void JSONWriter::newLine() {
-    if (style_ == JSONStyle::compact)
-        return;
-    const std::size_t length = 1 + 2 * depth_;
-    char* to = room(length);
-    std::memset(to, ' ', length);
-    *to = '\n';
-    used_ += length;
 }
 
 void JSONWriter::text(std::string_view value) {
@@ -154,6 +140,14 @@ void JSONWriter::plainText(std::string_view value) {
     append("\"");
     append(value);
     append("\"");
+}
+
+void JSONWriter::uuid(const Uuid& id) {
+    constexpr std::size_t length = Uuid::textLength + 2;
+    char* to = room(length);
+    to[0] = to[length - 1] = '"';
+    id.writeText(to + 1);
+    used_ += length;
 }
 
 void JSONWriter::objectHash(const ObjectHash& hash) {

@@ -31,7 +31,7 @@ class JSONWriter {
     void close(char bracket);
     /// Begins a member; the literal is the name with its quotes, and needs no escape.
     void key(std::string_view literal) {
-        separate();
+        separate(literal.size());
         append(literal);
         colon();
     }
@@ -42,6 +42,7 @@ class JSONWriter {
     /// A text of characters that are known to need no escape.
     void plainText(std::string_view value);
     void objectHash(const ObjectHash& hash);
+    void uuid(const Uuid& id);
     void integer(std::int64_t value);
     /// The shortest plain decimal that reads back to the same double.
     void number(double value);
@@ -67,9 +68,33 @@ class JSONWriter {
         std::memcpy(room(bytes.size()), bytes.data(), bytes.size());
         used_ += bytes.size();
     }
-    void separate();
-    void newLine();
+    /// Begins the next member, with room for so many bytes more.
+    void separate(std::size_t more = 0) {
+        char* to = room(1 + indentation() + widest + more);
+        char* const start = to;
+        if (!isFirst_)
+            *to++ = ',';
+        isFirst_ = false;
+        used_ += static_cast<std::size_t>(startLine(to) - start);
+    }
+    /// How many bytes a new line takes with the blanks that begin it.
+    std::size_t indentation() const { return style_ == JSONStyle::pretty ? 1 + 2 * depth_ : 0; }
+    /// Begins a new line there and says where it goes on. It may write blanks up to the widest beyond.
+    char* startLine(char* to) const {
+        const std::size_t length = indentation();
+        if (length == 0)
+            return to;
+        // Blanks of a number known to the compiler take no call; hardly a record is nested deeper.
+        if (length <= widest)
+            std::memset(to, ' ', widest);
+        else
+            std::memset(to, ' ', length);
+        *to = '\n';
+        return to + length;
+    }
     void makeRoom(std::size_t count);
+
+    static constexpr std::size_t widest = 16;
 
     JSONStyle style_;
     const Descriptor* file_;
@@ -142,7 +167,7 @@ inline void write(JSONWriter& writer, const ObjectHash& value) {
     writer.objectHash(value);
 }
 inline void write(JSONWriter& writer, const Uuid& value) {
-    writer.plainText(value.text());
+    writer.uuid(value);
 }
 void write(JSONWriter& writer, const ByteString& value);
 

@@ -11,8 +11,6 @@ namespace marrowbox {
 
 namespace {
 
-constexpr std::size_t textLength = 36;
-
 bool isDashAt(std::size_t position) {
     return position == 8 || position == 13 || position == 18 || position == 23;
 }
@@ -62,15 +60,20 @@ std::optional<Uuid> Uuid::parse(std::string_view text) {
 }
 
 std::string Uuid::text() const {
-    constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text(textLength, '-');
+    writeText(text.data());
+    return text;
+}
+
+void Uuid::writeText(char* to) const {
+    constexpr std::string_view digits = "0123456789ABCDEF";
     std::size_t position = 0;
     for (const auto byte : bytes) {
-        position += isDashAt(position) ? 1 : 0;
-        text[position++] = digits[byte >> 4];
-        text[position++] = digits[byte & 15];
+        if (isDashAt(position))
+            to[position++] = '-';
+        to[position++] = digits[byte >> 4];
+        to[position++] = digits[byte & 15];
     }
-    return text;
 }
 
 } // namespace marrowbox

@@ -21,7 +21,10 @@ struct Uuid {
     static Uuid random();
     /// Reads the 8-4-4-4-12 form in either case; absent when the text is anything else.
     static std::optional<Uuid> parse(std::string_view text);
+    static constexpr std::size_t textLength = 36;
     std::string text() const;
+    /// Writes the text to a place with room for its length.
+    void writeText(char* to) const;
 };
 
 } // namespace marrowbox
