@@ -8,14 +8,35 @@
 
 namespace marrowbox::bench {
 
-double ownPeakMemory() {
-    std::ifstream status("/proc/self/status");
+namespace {
+
+/// The bytes that a file of the system names in KiB; 0 when it does not.
+double bytesNamed(const char* file, const std::string& name) {
+    std::ifstream lines(file);
     std::string word;
     double kibibytes = 0;
-    while (status >> word)
-        if (word == "VmHWM:" && status >> kibibytes)
+    while (lines >> word)
+        if (word == name && lines >> kibibytes)
             return kibibytes * 1024;
-    throw std::runtime_error("The system does not tell this process's peak memory.");
+    return 0;
+}
+
+} // namespace
+
+double ownPeakMemory() {
+    const double peak = bytesNamed("/proc/self/status", "VmHWM:");
+    if (peak == 0)
+        throw std::runtime_error("The system does not tell this process's peak memory.");
+    return peak;
+}
+
+std::filesystem::path folderInMemory(std::uintmax_t bytes) {
+    const std::filesystem::path memory = "/dev/shm";
+    std::error_code isAbsent;
+    const auto space = std::filesystem::space(memory, isAbsent);
+    const bool hasRoom = !isAbsent && space.available >= bytes &&
+                         bytesNamed("/proc/meminfo", "MemAvailable:") >= static_cast<double>(bytes);
+    return hasRoom ? memory : std::filesystem::temp_directory_path();
 }
 
 double peakMemoryOfRunning(const std::vector<std::string>& arguments) {

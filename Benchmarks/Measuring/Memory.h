@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,10 @@ double ownPeakMemory();
 /// Runs this program again with the given arguments, and gives the peak memory that it prints. A fresh
 /// process has no memory left over from making the data that it measures on.
 double peakMemoryOfRunning(const std::vector<std::string>& arguments);
+
+/// A folder whose files lie in memory, when the machine has so much of it to spare; otherwise the temporary
+/// folder.
+std::filesystem::path folderInMemory(std::uintmax_t bytes);
 
 /// Prints this process's peak for the one that runs it.
 void printPeakMemory();

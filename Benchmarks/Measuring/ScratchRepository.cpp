@@ -40,8 +40,8 @@ BackupRepository repositoryIn(const fs::path& folder) {
     return BackupRepository(folder, *Uuid::parse("FEDCBA98-7654-3210-FEDC-BA9876543210"));
 }
 
-ScratchRepository::ScratchRepository(const std::string& name)
-    : folder_(fs::temp_directory_path() / ("marrowbox-bench-" + name + "-" + std::to_string(::getpid()))),
+ScratchRepository::ScratchRepository(const std::string& name, const fs::path& under)
+    : folder_(under / ("marrowbox-bench-" + name + "-" + std::to_string(::getpid()))),
       repository_(repositoryIn(folder_)) {
     fs::create_directories(folder_);
     repository_.initialize();

@@ -9,10 +9,11 @@ namespace marrowbox::bench {
 /// The benchmarks' repository in a folder, which exists already.
 BackupRepository repositoryIn(const fs::path& folder);
 
-/// A repository in a folder of its own under the temporary folder, removed with the object.
+/// A repository in a folder of its own, under the temporary folder unless told otherwise, removed with the
+/// object.
 class ScratchRepository {
   public:
-    explicit ScratchRepository(const std::string& name);
+    explicit ScratchRepository(const std::string& name, const fs::path& under = fs::temp_directory_path());
     ScratchRepository(const ScratchRepository&) = delete;
     ScratchRepository& operator=(const ScratchRepository&) = delete;
     ~ScratchRepository();

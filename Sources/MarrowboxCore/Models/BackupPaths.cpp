@@ -39,6 +39,10 @@ const SourceEntry& sourceOf(const Shared<SnapshotEntry>& entry) {
     return entry->source;
 }
 
+const SourceEntry& sourceOf(const SnapshotEntry* entry) {
+    return entry->source;
+}
+
 /// One check of a list. The keys go into the table some entries late, when its memory has arrived.
 template <typename Entry>
 class EntryCheck {
@@ -122,6 +126,10 @@ void BackupPaths::validateEntries(std::span<const SourceEntry> entries) {
 
 void BackupPaths::validateEntries(std::span<const Shared<SnapshotEntry>> entries) {
     EntryCheck<Shared<SnapshotEntry>>(entries).run();
+}
+
+void BackupPaths::validateEntries(std::span<const SnapshotEntry* const> entries) {
+    EntryCheck<const SnapshotEntry*>(entries).run();
 }
 
 } // namespace marrowbox

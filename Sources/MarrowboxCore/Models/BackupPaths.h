@@ -19,5 +19,6 @@ void validate(std::string_view path);
 /// the total length of the paths; looks at texts alone, never at the disk.
 void validateEntries(std::span<const SourceEntry> entries);
 void validateEntries(std::span<const Shared<SnapshotEntry>> entries);
+void validateEntries(std::span<const SnapshotEntry* const> entries);
 
 } // namespace marrowbox::BackupPaths

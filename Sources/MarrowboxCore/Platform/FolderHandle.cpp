@@ -4,7 +4,9 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <string_view>
 #include <system_error>
+#include <unistd.h>
 
 namespace marrowbox {
 
@@ -56,18 +58,39 @@ bool FolderHandle::isLink(const char* name, unsigned char kind) const {
     return status && S_ISLNK(status->st_mode);
 }
 
-std::vector<std::string> FolderHandle::symbolicLinks() const {
-    std::vector<std::string> names;
+void FolderHandle::forEachItem(const std::function<void(const char*, unsigned char)>& take) const {
     const auto listing = openListing(folder_);
     errno = 0;
     while (const dirent* item = ::readdir(listing.get())) {
-        if (isLink(item->d_name, item->d_type))
-            names.emplace_back(item->d_name);
+        take(item->d_name, item->d_type);
         errno = 0;
     }
     if (errno != 0)
         throw std::system_error(errno, std::generic_category(), "read folder");
+}
+
+std::vector<std::string> FolderHandle::symbolicLinks() const {
+    std::vector<std::string> names;
+    forEachItem([&](const char* name, unsigned char kind) {
+        if (isLink(name, kind))
+            names.emplace_back(name);
+    });
     return names;
+}
+
+std::vector<FolderHandle::Item> FolderHandle::items() const {
+    std::vector<Item> items;
+    forEachItem([&](const char* name, unsigned char kind) {
+        const std::string_view text = name;
+        if (text != "." && text != "..")
+            items.push_back({name, isLink(name, kind)});
+    });
+    return items;
+}
+
+void FolderHandle::removeFile(const char* name) const {
+    if (::unlinkat(folder_.number(), name, 0) != 0)
+        throw std::system_error(errno, std::generic_category(), std::string("remove ") + name);
 }
 
 } // namespace marrowbox

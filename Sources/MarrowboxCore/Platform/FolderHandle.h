@@ -3,6 +3,7 @@
 #include "Platform/Descriptor.h"
 #include "Platform/Files.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <sys/stat.h>
@@ -25,9 +26,19 @@ class FolderHandle {
     /// where the file system tells their kinds. Throws std::system_error.
     std::vector<std::string> symbolicLinks() const;
 
+    struct Item {
+        std::string name;
+        bool isLink = false;
+    };
+    /// All items but "." and "..", in the order of the file system, in the same way.
+    std::vector<Item> items() const;
+    /// unlink(2) of an item. Throws std::system_error.
+    void removeFile(const char* name) const;
+
   private:
     explicit FolderHandle(Descriptor folder) : folder_(std::move(folder)) {}
     bool isLink(const char* name, unsigned char kind) const;
+    void forEachItem(const std::function<void(const char* name, unsigned char kind)>& take) const;
 
     Descriptor folder_;
 };

@@ -1,23 +1,22 @@
 #include "Repository/FamiliarEntries.h"
 
-#include "Models/JSONReader.h"
+#include "Repository/WrittenManifest.h"
 
 #include <algorithm>
 #include <charconv>
 
 namespace marrowbox {
 
+using WrittenManifest::closing;
+using WrittenManifest::entryEnd;
+
 namespace {
 
-constexpr std::string_view closing = "\n  ]";
-constexpr std::string_view entryEnd = "\n    }";
 constexpr std::string_view hashFrame = "{\n      \"objectHash\": \"";
 constexpr std::size_t hashLength = 64;
 /// More than all that stands around the written source of an entry.
 constexpr std::size_t longestFrame = 256;
 constexpr std::size_t longestOther = 1 << 20;
-/// Each opens a level, and the decoder allows a text only so many.
-constexpr int mostBrackets = 24;
 
 JSONWriter writerAt(int depth) {
     JSONWriter writer(JSONStyle::pretty);
@@ -112,7 +111,7 @@ bool FamiliarEntries::take() {
 
 /// What stands before the next entry.
 std::string_view FamiliarEntries::separator() const {
-    return taken_.empty() ? "\n    " : ",\n    ";
+    return WrittenManifest::separator(taken_.empty());
 }
 
 /// Of those that are known at one path, the object tells which one it can be.
@@ -194,18 +193,14 @@ bool FamiliarEntries::takeOther() {
     if (end == std::string_view::npos)
         return false;
     std::string_view text = text_.next(end + entryEnd.size());
-    if (!eat(text, separator()) || std::ranges::count_if(text, [](char letter) {
-                                       return letter == '{' || letter == '[';
-                                   }) > mostBrackets)
+    if (!eat(text, separator()))
         return false;
-    try {
-        auto entry = decodeJSON<SnapshotEntry>(text, &sharing_);
-        text_.skip(end + entryEnd.size());
-        taken_.push_back(held(std::move(entry)));
-        return true;
-    } catch (const JSONDecodingError&) {
+    auto entry = WrittenManifest::entryOf(text, sharing_);
+    if (!entry)
         return false;
-    }
+    text_.skip(end + entryEnd.size());
+    taken_.push_back(held(std::move(*entry)));
+    return true;
 }
 
 /// Goes on behind a parsed entry's path. What is known there after all, all of it or its texts, is held once.

@@ -1,9 +1,7 @@
-#include "Models/BackupError.h"
 #include "Models/BackupPaths.h"
-#include "Platform/UnicodeText.h"
 #include "Repository/BackupRepository.h"
+#include "Repository/ManifestChecks.h"
 #include "Repository/ManifestReader.h"
-#include "Repository/ObjectLinks.h"
 #include "Repository/PlainFile.h"
 
 #include <algorithm>
@@ -38,49 +36,28 @@ void addTo(EntryList& known, const EntryList& entries) {
     known = std::move(united);
 }
 
-/// One reading of a repository's manifests. What repeats among them is held once, and each fan-out folder is
-/// looked at once.
+/// One reading of a repository's manifests. What repeats among them is held once.
 class HistoryReader {
   public:
     HistoryReader(const BackupRepository& repository, std::span<const SourceEntry> listing)
-        : repository_(repository), reader_(listing), links_(repository.objectPaths()) {}
-
-    std::vector<fs::path> manifests() const {
-        std::vector<fs::path> files;
-        for (const auto& name : directoryNames(repository_.snapshotsFolder()))
-            if (pathExtension(name) == "json")
-                files.push_back(repository_.snapshotsFolder() / name);
-        return files;
-    }
+        : checks_(repository), reader_(listing) {}
 
     /// Reads a manifest, which probably repeats most of the given entries.
     Snapshot read(const fs::path& file, std::span<const Shared<SnapshotEntry>> likely) {
         rejectSymlink(file);
         reader_.expect(likely);
         Snapshot snapshot = reader_.read(openPlainFile(file));
-        if (snapshot.schemaVersion != 1 || snapshot.unitID != repository_.unitID() ||
-            withoutPathExtension(file.filename().string()) != snapshot.id.text())
-            throw BackupError("An unsupported or mismatched snapshot was found. No history will be removed.");
+        checks_.requireIdentity(snapshot, file);
         BackupPaths::validateEntries(snapshot.entries);
         for (const auto& entry : snapshot.entries)
-            verifyReference(*entry);
+            checks_.requireReference(*entry);
         snapshot.entries.shrink_to_fit(); // many lists of shared entries are held at the same time
         return snapshot;
     }
 
   private:
-    void verifyReference(const SnapshotEntry& entry) {
-        if (entry.source.isDirectory)
-            return;
-        if (!entry.objectHash)
-            throw BackupError("A snapshot is missing a file reference.");
-        requireValid(*entry.objectHash);
-        links_.reject(*entry.objectHash);
-    }
-
-    const BackupRepository& repository_;
+    ManifestChecks checks_;
     ManifestReader reader_;
-    ObjectLinks links_;
 };
 
 } // namespace
@@ -90,7 +67,7 @@ std::vector<Snapshot> BackupRepository::snapshots() const {
     HistoryReader reader(*this, {});
     EntryList known;
     std::vector<Snapshot> history;
-    for (const auto& file : reader.manifests()) {
+    for (const auto& file : manifestFiles(*this)) {
         Snapshot snapshot = reader.read(file, known);
         addTo(known, snapshot.entries);
         const auto place =
@@ -104,7 +81,7 @@ std::optional<Snapshot> BackupRepository::latestSnapshot(std::span<const SourceE
     validate();
     HistoryReader reader(*this, sharedWith);
     std::optional<Snapshot> latest;
-    for (const auto& file : reader.manifests()) {
+    for (const auto& file : manifestFiles(*this)) {
         std::span<const Shared<SnapshotEntry>> likely;
         if (latest)
             likely = latest->entries;

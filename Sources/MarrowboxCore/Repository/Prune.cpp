@@ -1,8 +1,9 @@
 #include "Models/BackupError.h"
 #include "Platform/UnicodeText.h"
 #include "Repository/BackupRepository.h"
-#include "Repository/ObjectLinks.h"
 #include "Repository/ObjectStatus.h"
+#include "Repository/ParallelWork.h"
+#include "Repository/WholeHistory.h"
 
 #include <boost/unordered/unordered_flat_set.hpp>
 
@@ -12,36 +13,42 @@ namespace {
 
 using ObjectSet = boost::unordered_flat_set<ObjectHash, std::hash<ObjectHash>>;
 
-struct History {
-    std::vector<Snapshot> expired;  ///< Oldest first.
-    std::vector<Snapshot> retained; ///< Never empty.
-};
+using Item = WholeHistory::Item;
 
 /// The newest snapshot stays however old it is.
-History divide(std::vector<Snapshot> snapshots, Date cutoff) {
-    History history;
-    for (auto& snapshot : snapshots) {
-        const bool isRetained = &snapshot == &snapshots.back() || snapshot.completedAt >= cutoff;
-        (isRetained ? history.retained : history.expired).push_back(std::move(snapshot));
-    }
-    return history;
+bool isRetained(const std::vector<Item>& history, const Item& item, Date cutoff) {
+    return &item == &history.back() || item.completedAt >= cutoff;
 }
 
-/// The objects that have to stay, each seen in place. An entry that many snapshots share is looked at once.
-ObjectSet provenObjects(const std::vector<Snapshot>& retained, const ObjectPaths& paths) {
-    ObjectStatus status(paths);
-    ObjectSet objects;
-    boost::unordered_flat_set<const SnapshotEntry*> proven;
-    for (const auto& snapshot : retained) {
-        for (const auto& entry : snapshot.entries) {
-            if (!proven.insert(&*entry).second)
-                continue;
-            if (!status.hasObject(*entry))
-                throw BackupError("History cleanup paused because a retained file is missing.");
-            if (entry->objectHash)
-                objects.insert(*entry->objectHash);
-        }
+/// The entries that stay. One that many snapshots share is there once.
+std::vector<const SnapshotEntry*> retainedEntries(const std::vector<Item>& history, Date cutoff) {
+    boost::unordered_flat_set<const SnapshotEntry*> known;
+    std::vector<const SnapshotEntry*> entries;
+    for (const Item& item : history) {
+        if (!isRetained(history, item, cutoff))
+            continue;
+        for (const SnapshotEntry* entry : item.entries)
+            if (known.insert(entry).second)
+                entries.push_back(entry);
     }
+    return entries;
+}
+
+/// The objects that have to stay, each seen in place.
+ObjectSet provenObjects(const std::vector<const SnapshotEntry*>& retained, const ObjectPaths& paths,
+                        ParallelWork& workers) {
+    ObjectStatus status(paths);
+    const auto failed = workers.forEachPiece(retained.size(), [&](std::size_t begin, std::size_t end) {
+        for (std::size_t index = begin; index < end; ++index)
+            if (!status.hasObject(*retained[index]))
+                throw BackupError("History cleanup paused because a retained file is missing.");
+    });
+    if (failed)
+        std::rethrow_exception(failed->failure);
+    ObjectSet objects;
+    for (const SnapshotEntry* entry : retained)
+        if (entry->objectHash)
+            objects.insert(*entry->objectHash);
     return objects;
 }
 
@@ -56,43 +63,61 @@ bool hasTwoCharacters(std::string_view name) {
     return count == 2;
 }
 
-void sweepFanOut(const ObjectPaths& paths, const std::string& name, const ObjectSet& kept,
-                 ObjectLinks& links) {
-    for (const auto& file : directoryNames(paths.objects / name)) {
-        const ObjectHash hash(file);
-        requireValid(hash);
-        links.reject(hash);
-        if (!file.starts_with(name))
-            throw BackupError("Unexpected object layout; cleanup paused.");
-        if (!kept.contains(hash))
-            removeFile(paths.objects / name / file);
+/// Refuses what this program would not have put into a fan-out folder.
+void requireObject(const ObjectPaths& paths, const std::string& folder, const FolderHandle::Item& item) {
+    const ObjectHash hash(item.name);
+    requireValid(hash);
+    const bool isInPlace = item.name.starts_with(folder);
+    if (!isInPlace) {
+        rejectSymlink(paths.fanOut(hash));
+        rejectSymlink(paths.object(hash));
+        throw BackupError("Unexpected object layout; cleanup paused.");
+    }
+    if (item.isLink)
+        refuseSymlink();
+}
+
+void sweepFanOut(const ObjectPaths& paths, const std::string& name, const ObjectSet& kept) {
+    rejectSymlink(paths.objects / name);
+    if (!hasTwoCharacters(name))
+        return;
+    const auto folder = FolderHandle::open(paths.objects / name);
+    if (!folder)
+        throwSystemError("open folder", paths.objects / name);
+    for (const auto& item : folder->items()) {
+        requireObject(paths, name, item);
+        if (!kept.contains(ObjectHash(item.name)))
+            folder->removeFile(item.name.c_str());
     }
 }
 
 /// Removes what no retained snapshot names, and stops at anything that this program would not have put there.
-void sweep(const ObjectPaths& paths, const ObjectSet& kept) {
-    ObjectLinks links(paths);
-    for (const auto& name : directoryNames(paths.objects)) {
-        rejectSymlink(paths.objects / name);
-        if (hasTwoCharacters(name))
-            sweepFanOut(paths, name, kept, links);
-    }
+/// Several folders are swept at a time, since the system takes its time for each removal.
+void sweep(const ObjectPaths& paths, const ObjectSet& kept, ParallelWork& workers) {
+    const std::vector<std::string> names = directoryNames(paths.objects);
+    const auto failed =
+        workers.forEach(names.size(), [&](std::size_t index) { sweepFanOut(paths, names[index], kept); });
+    if (failed)
+        std::rethrow_exception(failed->failure);
 }
 
 } // namespace
 
 void BackupRepository::prune(Date olderThan) const {
-    auto snapshots = this->snapshots();
-    if (snapshots.empty())
+    validate();
+    const WholeHistory history(*this, olderThan);
+    const std::vector<Item>& items = history.items();
+    if (items.empty())
         return;
-    const History history = divide(std::move(snapshots), olderThan);
-    const ObjectSet kept = provenObjects(history.retained, objectPaths());
-    for (const auto& snapshot : history.expired)
-        removeFile(manifest(snapshot.id));
+    ParallelWork workers;
+    const ObjectSet kept = provenObjects(retainedEntries(items, olderThan), objectPaths(), workers);
+    for (const Item& item : items)
+        if (!isRetained(items, item, olderThan))
+            removeFile(manifest(item.id));
     // No object goes before the manifests that name it are gone for good, those as well that a pruning which
     // did not come so far has removed.
     synchronizeFolder(snapshotsFolder());
-    sweep(objectPaths(), kept);
+    sweep(objectPaths(), kept, workers);
 }
 
 } // namespace marrowbox
