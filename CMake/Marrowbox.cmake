@@ -1,7 +1,6 @@
 # How a folder becomes a target: one library a folder of the core, one test program a folder of tests.
 
 set(MARROWBOX_SANITIZE "" CACHE STRING "Sanitizers for the whole build, as Clang names them")
-option(MARROWBOX_FUZZ "Build the fuzz targets with libFuzzer" OFF)
 
 find_package(Threads REQUIRED)
 find_package(OpenSSL REQUIRED)
@@ -30,7 +29,7 @@ if(MARROWBOX_SANITIZE)
     -O1 -fsanitize=${MARROWBOX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(marrowboxBuildSettings INTERFACE -fsanitize=${MARROWBOX_SANITIZE})
 endif()
-if(MARROWBOX_FUZZ) # so that the search sees which branches an input takes
+if(MARROWBOX_SANITIZE MATCHES address) # the fuzz targets are of this build, and see which branches an input takes
   target_compile_options(marrowboxBuildSettings INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 if(MARROWBOX_SANITIZE MATCHES thread)

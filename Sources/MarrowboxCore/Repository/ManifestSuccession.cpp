@@ -21,6 +21,16 @@ bool hasModerateSize(const Descriptor& file) {
     return ::fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size <= largestFile;
 }
 
+/// How far the texts are asked for ahead of their use. They lie where they first came, so that no processor
+/// can tell by itself which one comes next.
+constexpr std::size_t lookahead = 6;
+
+void prefetch(std::string_view text) {
+    constexpr std::size_t cacheLine = 64;
+    for (std::size_t place = 0; place < text.size(); place += cacheLine)
+        __builtin_prefetch(text.data() + place);
+}
+
 bool isSameItem(const SnapshotEntry& left, const SnapshotEntry& right) {
     return left.source.path == right.source.path && left.source.isDirectory == right.source.isDirectory;
 }
@@ -70,6 +80,8 @@ bool ManifestSuccession::take(ByteWindow& window, Reading& reading) {
 bool ManifestSuccession::takeExpected(ByteWindow& window) {
     if (next_ == before_.size())
         return false;
+    if (next_ + lookahead < before_.size())
+        prefetch(before_[next_ + lookahead].text);
     const Known& expected = before_[next_];
     const std::string_view separator = WrittenManifest::separator(taken_.empty());
     const std::size_t length = separator.size() + expected.text.size();

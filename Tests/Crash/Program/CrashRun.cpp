@@ -1,11 +1,14 @@
 /// One job on a repository, as a program of its own for tests that kill it, fail its calls, or hold it:
-/// marrowbox-crash-run DESTINATION GENERATION backs up a generated source, marrowbox-crash-run DESTINATION
-/// prune removes all snapshots but the latest. Ends with 0 when the job is done, and with 3 and the failure's
-/// words when it refused.
+/// marrowbox-crash-run DESTINATION JOB. A number backs up a generated source of this generation, "prune"
+/// removes all snapshots but the latest, "initialize" makes the repository, "restore" restores the latest
+/// snapshot into the destination's folder Restored, "credential" saves a credential in its folder
+/// Credentials. Ends with 0 when the job is done, and with 3 and the failure's words when it refused.
 
 #include "Program/GeneratedSource.h"
 
+#include "Credentials/AppCredentials.h"
 #include "Repository/BackupEngine.h"
+#include "Repository/BackupRepository.h"
 
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/thread_pool.hpp>
@@ -43,16 +46,31 @@ void prune(const fs::path& destination) {
     asio::co_spawn(threads, engine.prune(unit, destination), asio::use_future).get();
 }
 
+void restore(const fs::path& destination) {
+    const BackupRepository repository(destination, test::generatedUnit().id);
+    repository.restore(repository.snapshots().back(), destination / "Restored", {});
+}
+
+void work(const fs::path& destination, std::string_view job) {
+    if (job == "prune")
+        prune(destination);
+    else if (job == "initialize")
+        BackupRepository(destination, test::generatedUnit().id).initialize();
+    else if (job == "restore")
+        restore(destination);
+    else if (job == "credential")
+        AppCredentials(destination / "Credentials").save("new", "google.anna");
+    else
+        backUp(destination, std::atoi(std::string(job).c_str()));
+}
+
 } // namespace
 
 int main(int count, char** words) {
     if (count != 3)
         return EXIT_FAILURE;
     try {
-        if (std::string_view(words[2]) == "prune")
-            prune(words[1]);
-        else
-            backUp(words[1], std::atoi(words[2]));
+        work(words[1], words[2]);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return refused;
