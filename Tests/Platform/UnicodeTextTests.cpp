@@ -230,4 +230,21 @@ TEST(PathExtension, isThePartBehindTheLastDot) {
     }
 }
 
+TEST(ValidText, leavesValidTextsAsTheyAre) {
+    for (const std::string text : {"", "plain", "Bücher 日本語 🗄️", "a\nb"})
+        EXPECT_EQ(validText(text), text);
+    const std::string zero("a\0b", 3);
+    EXPECT_EQ(validText(zero), zero);
+}
+
+TEST(ValidText, replacesEachByteThatIsNotUTF8) {
+    EXPECT_EQ(validText("B\xFC"
+                        "cher"),
+              "B\uFFFD"
+              "cher");
+    EXPECT_EQ(validText("\xE2\x82"), "\uFFFD\uFFFD") << "the beginning of a scalar";
+    EXPECT_EQ(validText("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD") << "half of a pair";
+    EXPECT_EQ(validText("ü\xFFü"), "ü\uFFFDü");
+}
+
 } // namespace marrowbox

@@ -71,12 +71,12 @@ void AppStore::persist() {
     // Who lets go of a file that has lost its name waits until the file system has freed what it held, longer
     // than the writing takes. While it is open here that is not the rename, but the close on the pool.
     Descriptor replaced(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-    JSONFile::write(*state_.configuration, file);
+    JSONFile::writeDurably(*state_.configuration, file);
     letGoOn(around_.pool, std::move(replaced));
-    synchronizeConfiguration();
+    synchronizeNames();
 }
 
-void AppStore::synchronizeConfiguration() {
+void AppStore::synchronizeNames() {
     if (std::exchange(isSynchronizing_, true))
         synchronizesAgain_ = true;
     else
@@ -84,15 +84,12 @@ void AppStore::synchronizeConfiguration() {
 }
 
 asio::awaitable<void> AppStore::waitForTheDisk() {
-    // Some file systems write the new name before the new content, and a power cut between the two leaves an
-    // empty file. The wait for the disk keeps that moment short, and is no business of the main thread's.
+    // Until the disk has the new name, a power cut brings the old file back, whole. That may wait for the
+    // pool; the content may not, since a name without content would be all that is left.
     const HeldFlag synchronizing(isSynchronizing_);
     do {
         synchronizesAgain_ = false;
-        co_await onExecutor(around_.pool, [folder = dataDirectory_] {
-            synchronizeFile(folder / "Configuration.json");
-            synchronizeFolder(folder);
-        });
+        co_await onExecutor(around_.pool, [folder = dataDirectory_] { synchronizeFolder(folder); });
     } while (synchronizesAgain_);
 }
 

@@ -43,7 +43,8 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     void showSettingsTab(int tab);
     void showNewUnit(bool shown);
 
-    /// Writes the configuration. Throws BackupError when it must not be written, and the system's failures.
+    /// Writes the configuration, and waits until its content is on stable storage. Throws BackupError when it
+    /// must not be written, and the system's failures.
     void persist();
 
     // The schedule and runs.
@@ -104,7 +105,7 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     /// they may belong to another copy of the program, or to a later version.
     void requireWritable() const;
     void persistOrReport();
-    void synchronizeConfiguration();
+    void synchronizeNames();
     asio::awaitable<void> waitForTheDisk();
 
     void bringUp();
@@ -121,6 +122,7 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     static asio::awaitable<void> keepTime(std::weak_ptr<AppStore> store, Wait wait);
     static asio::awaitable<void> reconcileTwice(std::weak_ptr<AppStore> store, Wait wait);
 
+    void runDueUnit();
     const SyncUnit* firstDueUnit(Date now) const;
     asio::awaitable<void> backUp(SyncUnit unit, RunRecord record, std::stop_token stop);
     asio::awaitable<RunRecord> attempt(SyncUnit unit, RunRecord record, std::stop_token stop);

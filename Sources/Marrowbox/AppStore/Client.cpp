@@ -58,6 +58,7 @@ void AppStore::adoptClient(const fs::path& file) {
     const std::string bytes = readFile(file);
     AtomicFile copy(dataDirectory_ / importedClientName);
     writeAll(copy.descriptor(), bytes);
+    synchronize(copy.descriptor(), dataDirectory_ / importedClientName);
     copy.publish();
     state_.configuration.change([](AppConfiguration& current) { current.usesImportedClient = true; });
     persist();

@@ -1,5 +1,6 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/Failure.h"
+#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Platform/Cancellation.h"
 
 #include <algorithm>
@@ -131,10 +132,12 @@ asio::awaitable<void> AppStore::requestReconcile(std::weak_ptr<AppStore> store, 
 }
 
 asio::awaitable<void> AppStore::reconcileMounts() {
-    const SnapshotMount::Reconciliation found = co_await mounts_.reconcile({});
-    take(found);
-    state_.mountIssue.set(operationMountIssue_ ? operationMountIssue_ : found.issue);
-    reconciling_ = false;
+    {
+        const HeldFlag reconciling(reconciling_);
+        const SnapshotMount::Reconciliation found = co_await mounts_.reconcile({});
+        take(found);
+        state_.mountIssue.set(operationMountIssue_ ? operationMountIssue_ : found.issue);
+    }
     if (std::exchange(reconcileQueued_, false))
         scheduleMountReconcile();
 }

@@ -2,6 +2,7 @@
 #include "Marrowbox/AppStore/Failure.h"
 #include "Marrowbox/AppStore/OnExecutor.h"
 #include "Platform/Cancellation.h"
+#include "Platform/UnicodeText.h"
 
 #include <algorithm>
 
@@ -168,7 +169,7 @@ asio::awaitable<fs::path> AppStore::renewBookmark(SyncUnit unit, fs::path found)
     state_.configuration.change([&](AppConfiguration& current) {
         const auto stored = std::ranges::find(current.units, unit.id, &SyncUnit::id);
         stored->destinationBookmark = fresh;
-        stored->destinationPath = found.string();
+        stored->destinationPath = validText(found.string());
     });
     persist();
     co_return found;

@@ -14,14 +14,22 @@ void AppStore::tick() {
     if (!configurationIsReadable_)
         return;
     refreshCredentialAvailability();
-    const Date now = around_.clock();
-    const SyncUnit* const due = *state_.activeUnitID ? nullptr : firstDueUnit(now);
-    if (due) {
-        const std::int64_t missed =
-            due->schedule.missedOccurrences(*due->nextRun, now, grace, around_.calendar(), mostMissedRuns);
-        run(*due, missed);
+    try {
+        runDueUnit();
+    } catch (const std::exception& failure) {
+        report(failure); // the next tick tries again, and mail goes out meanwhile
     }
     spawn(passEmails({}));
+}
+
+void AppStore::runDueUnit() {
+    const Date now = around_.clock();
+    const SyncUnit* const due = *state_.activeUnitID ? nullptr : firstDueUnit(now);
+    if (!due)
+        return;
+    const std::int64_t missed =
+        due->schedule.missedOccurrences(*due->nextRun, now, grace, around_.calendar(), mostMissedRuns);
+    run(*due, missed);
 }
 
 const SyncUnit* AppStore::firstDueUnit(Date now) const {

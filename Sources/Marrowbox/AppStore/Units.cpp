@@ -1,6 +1,7 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/OnExecutor.h"
 #include "Models/BackupError.h"
+#include "Platform/UnicodeText.h"
 #include "Repository/BackupRepository.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ asio::awaitable<void> AppStore::addUnit(SyncUnit unit, fs::path destination) {
     if (!configurationIsReadable_)
         throw BackupError("Configuration is unavailable.");
     const auto self = shared_from_this();
+    unit.destinationPath = validText(unit.destinationPath); // the bookmark leads there, whatever its bytes
     co_await onExecutor(around_.pool,
                         [repository = BackupRepository(destination, unit.id)] { repository.initialize(); });
     state_.configuration.change([&](AppConfiguration& current) { current.units.push_back(unit); });

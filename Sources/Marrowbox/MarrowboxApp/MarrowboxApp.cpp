@@ -60,7 +60,11 @@ MarrowboxApp::MarrowboxApp(QDBusConnection sessionBus, QDBusConnection systemBus
     awaitSignals();
 }
 
-MarrowboxApp::~MarrowboxApp() = default;
+MarrowboxApp::~MarrowboxApp() {
+    // What still runs there may be using the desktop, which would go first.
+    pool_.stop();
+    pool_.join();
+}
 
 std::shared_ptr<AppStore> MarrowboxApp::startStore(const Environment& environment) {
     return AppStore::start({.desktop = desktop_,

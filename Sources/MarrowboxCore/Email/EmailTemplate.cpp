@@ -1,9 +1,10 @@
 #include "Email/EmailTemplate.h"
 
 #include "Email/EmailMessage.h"
+#include "Platform/UnicodeText.h"
 #include "Platform/Wording.h"
 
-#include <boost/algorithm/string/replace.hpp>
+#include <algorithm>
 
 namespace marrowbox {
 
@@ -45,6 +46,28 @@ void appendElement(std::string& html, std::string_view begin, const std::string&
     html += end;
 }
 
+/// A text of several lines, with places to break a path or another word that is wider than a phone: the card
+/// would grow with it, and the mail beyond its screen.
+std::string wrapping(std::string_view text) {
+    constexpr std::size_t longestWord = 40;
+    constexpr std::size_t breakEvery = 24;
+    std::string html;
+    while (!text.empty()) {
+        const auto end = std::min(text.find_first_of(" \n"), text.size());
+        std::size_t count = 0;
+        forEachScalar(text.substr(0, end), [&](char32_t, std::string_view bytes) {
+            if (end > longestWord && count > 0 && count % breakEvery == 0)
+                html += "<wbr>";
+            html += EmailMessage::escape(bytes);
+            ++count;
+        });
+        if (end < text.size())
+            html += text[end] == '\n' ? "<br>" : " ";
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return html;
+}
+
 std::string eyebrowBegin(bool success) {
     std::string begin = R"(<div style="font-size:12px;color:)";
     begin += accent(success);
@@ -79,7 +102,7 @@ std::string EmailTemplate::html() const {
     html += "</table>";
     if (detail) {
         html += detailBegin;
-        html += boost::algorithm::replace_all_copy(EmailMessage::escape(*detail), "\n", "<br>");
+        html += wrapping(*detail);
         html += "</div>";
     }
     html += footerBegin;

@@ -25,4 +25,14 @@ void write(const Record& record, const fs::path& path) {
     file.publish();
 }
 
+/// The same, with the content on stable storage before the rename, so that a power cut leaves the old file or
+/// the new one and never an empty one. The new name lasts once the folder is synchronised.
+template <typename Record>
+void writeDurably(const Record& record, const fs::path& path) {
+    AtomicFile file(path);
+    encodeJSON(record, JSONStyle::pretty, file.descriptor());
+    synchronize(file.descriptor(), path);
+    file.publish();
+}
+
 } // namespace marrowbox::JSONFile

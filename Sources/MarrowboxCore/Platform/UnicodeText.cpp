@@ -99,6 +99,19 @@ std::string collisionKey(std::string_view text) {
     return key;
 }
 
+std::string validText(std::string_view text) {
+    if (isAscii(text))
+        return std::string(text);
+    std::string valid;
+    valid.reserve(text.size());
+    for (std::size_t position = 0; position < text.size();) {
+        const std::size_t start = position;
+        const bool isValid = decodeNext(text, position) >= 0;
+        valid += isValid ? text.substr(start, position - start) : std::string_view("\uFFFD");
+    }
+    return valid;
+}
+
 bool isControlCharacter(char32_t scalar) {
     const auto category = u_charType(static_cast<UChar32>(scalar));
     return category == U_CONTROL_CHAR || category == U_FORMAT_CHAR;

@@ -19,6 +19,9 @@ std::string collisionKey(std::string_view text);
 /// Appends the collision key to a buffer; plain ASCII costs one pass and no allocation of its own.
 void appendCollisionKey(std::string_view text, std::string& to);
 
+/// The text with each byte that is not part of valid UTF-8 replaced by U+FFFD.
+std::string validText(std::string_view text);
+
 /// True for the general categories Cc and Cf.
 bool isControlCharacter(char32_t scalar);
 

@@ -56,9 +56,12 @@ void BackupRepository::initialize() const {
         throw BackupError("Choose an existing destination folder.");
     rejectSymlink(root_.parent_path());
     makeDirectories(root_, 0700);
-    JSONFile::write(Identity{1, unitID_}, root_ / "Repository.json");
+    JSONFile::writeDurably(Identity{1, unitID_}, root_ / "Repository.json");
     for (const char* name : folderNames)
         makeDirectory(root_ / name, 0700);
+    // Snapshots on stable storage are worth nothing in a repository whose identity a power cut took.
+    synchronizeFolder(root_);
+    synchronizeFolder(root_.parent_path());
 }
 
 void BackupRepository::validate() const {

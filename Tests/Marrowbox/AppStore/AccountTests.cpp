@@ -209,4 +209,17 @@ TEST(Accounts, areLeftAloneWithTheirCredentialsByAProgramThatMayNotWrite) {
     EXPECT_THAT(world.configuration().accounts, ElementsAre(test::anna()));
 }
 
+TEST(Accounts, becomeTheSenderWhenTheyConnectToSend) {
+    StoreWorld world;
+    Browser browser(world);
+    AppStore& store = world.start();
+    store.connect(true, std::nullopt);
+    browser.consent(test::anna());
+    store.connect(true, std::nullopt);
+    browser.consent(bert());
+    EXPECT_EQ(world.configuration().email.accountID, "bert");
+    EXPECT_EQ(world.configuration().email.recipient, "anna@example.org") << "a recipient that is there stays";
+    EXPECT_EQ(world.written(), world.configuration());
+}
+
 } // namespace marrowbox

@@ -7,6 +7,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <set>
 #include <sys/wait.h>
 
 namespace marrowbox::test {
@@ -34,14 +35,14 @@ class KilledStore : public testing::Test {
         }
     }
 
-    /// Runs the program on a fresh copy of the folder and answers its calls there.
+    /// Runs the program on a fresh copy of the folder and answers its calls in the watched folder.
     int run(const Decide& decide) {
         fs::remove_all(data);
         fs::copy(world.data, data, fs::copy_options::recursive);
         WatchedProgram program(
             {"/usr/bin/env", "TMPDIR=" + world.home.string(), MARROWBOX_CRASH_STORE, data, world.disk});
         const int status = program.run(
-            [&](const FileCall& call) { return call.isWithin(data) ? decide(call) : Answer::proceed(); });
+            [&](const FileCall& call) { return call.isWithin(watched) ? decide(call) : Answer::proceed(); });
         words = program.words();
         return status;
     }
@@ -78,6 +79,7 @@ class KilledStore : public testing::Test {
     StoreWorld world;
     const fs::path data = world.home / "Copy";
     const fs::path file = data / "Configuration.json";
+    fs::path watched = data;
     std::string words;
 };
 
@@ -140,25 +142,51 @@ TEST_F(KilledStore, goesOnAfterAWriteThatWasCutShort) {
     }
 }
 
-TEST_F(KilledStore, waitsForTheDiskAfterEachReplacement) {
-    bool isDurable = true;
-    bool isNameDurable = true;
-    int waits = 0;
+TEST_F(KilledStore, hasEachNewContentOnTheDiskBeforeItTakesItsNameAndTheNameSoonAfter) {
+    const std::set<fs::path> kept{file, data / "GoogleOAuth.json"};
+    std::set<fs::path> onDisk;
+    std::set<fs::path> replaced;
+    bool areNamesOnDisk = true;
     run([&](const FileCall& call) {
-        if (call.target == file)
-            isDurable = isNameDurable = false;
         const bool synchronises = call.name == "fsync" || call.name == "fdatasync";
-        if (synchronises && call.path == file) {
-            isDurable = true;
-            ++waits;
+        if (kept.contains(call.target)) {
+            EXPECT_TRUE(onDisk.contains(call.path)) << call.target;
+            replaced.insert(call.target);
+            areNamesOnDisk = false;
+        } else if (synchronises) {
+            onDisk.insert(call.path);
+            areNamesOnDisk = areNamesOnDisk || call.path == data;
+        } else if (call.name.find("write") != std::string_view::npos) {
+            onDisk.erase(call.path);
         }
-        if (synchronises && call.path == data)
-            isNameDurable = true;
         return Answer::proceed();
     });
-    EXPECT_TRUE(isDurable);
-    EXPECT_TRUE(isNameDurable);
-    EXPECT_GE(waits, 5);
+    EXPECT_EQ(replaced, kept);
+    EXPECT_TRUE(areNamesOnDisk);
+}
+
+TEST_F(KilledStore, hasTheIdentityOfANewRepositoryOnTheDiskBeforeItsFirstSnapshot) {
+    watched = world.disk;
+    std::set<fs::path> onDisk;
+    std::set<fs::path> identified;
+    int snapshots = 0;
+    run([&](const FileCall& call) {
+        if (call.name == "fsync" || call.name == "fdatasync")
+            onDisk.insert(call.path);
+        if (call.target.filename() == "Repository.json") {
+            EXPECT_TRUE(onDisk.contains(call.path));
+            identified.insert(call.target.parent_path());
+            onDisk.erase(call.target.parent_path());
+        }
+        const fs::path repository = call.target.parent_path().parent_path();
+        if (call.target.parent_path().filename() == "Snapshots" && identified.contains(repository)) {
+            EXPECT_TRUE(onDisk.contains(repository)) << "its name";
+            ++snapshots;
+        }
+        return Answer::proceed();
+    });
+    EXPECT_EQ(identified.size(), 1U);
+    EXPECT_GE(snapshots, 1);
 }
 
 } // namespace marrowbox::test

@@ -232,4 +232,28 @@ TEST(MountReconciliation, followsAWakingMachine) {
     EXPECT_EQ(reconciliations(world), before + 1);
 }
 
+TEST(Mounts, ofADestinationThatIsAwaySayItInTheirPlace) {
+    StoreWorld world;
+    AppStore& store = startWithSnapshot(world);
+    const Snapshot snapshot = newest(world);
+    fs::remove_all(world.disk);
+    store.explore(snapshot);
+    world.time.advance(5);
+    EXPECT_TRUE(world.state().mountIssue->has_value());
+    EXPECT_EQ(world.error(), "");
+    EXPECT_FALSE(*world.state().isExploring);
+}
+
+TEST(MountReconciliation, clearsWhatItReportedOnceAllIsWell) {
+    StoreWorld world;
+    startWithSnapshot(world);
+    world.machine->answerOnce("hdiutil info", Result{1, ""});
+    world.desktop.makeVolumeAppear();
+    world.time.advance(1);
+    EXPECT_TRUE(world.state().mountIssue->has_value());
+    world.desktop.makeVolumeAppear();
+    world.time.advance(1);
+    EXPECT_FALSE(world.state().mountIssue->has_value());
+}
+
 } // namespace marrowbox

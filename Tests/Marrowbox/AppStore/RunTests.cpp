@@ -27,22 +27,6 @@ TEST(Runs, makeASnapshotWriteItDownAndLookForward) {
     EXPECT_THAT(world.desktop.activities(), ElementsAre());
 }
 
-TEST(Runs, ofAScheduledUnitTryAgainEveryQuarterOfAnHourWhileTheyFail) {
-    StoreWorld world;
-    AppConfiguration configuration = test::oneUnit(world);
-    configuration.units[0].nextRun = world.time.now() + 10;
-    world.write(configuration);
-    fs::remove_all(world.disk);
-    world.start();
-    world.time.advance(4 * 900 + 60);
-    ASSERT_EQ(world.configuration().runs.size(), 5U);
-    for (std::size_t i = 0; i + 1 < 5; ++i) {
-        const auto& runs = world.configuration().runs;
-        EXPECT_EQ(runs[i].outcome, RunOutcome::failed);
-        EXPECT_DOUBLE_EQ(runs[i].startedAt - runs[i + 1].startedAt, 900);
-    }
-}
-
 TEST(Runs, thatAreCancelledGoOnAtTheNextRegularTime) {
     StoreWorld world;
     world.write(test::oneUnit(world));
@@ -75,35 +59,6 @@ TEST(Runs, thatAreCancelledLeaveEarlierSnapshotsInPlace) {
     EXPECT_EQ(world.lastRun().outcome, RunOutcome::cancelled);
     ASSERT_EQ((*world.state().snapshots)->size(), 1U);
     EXPECT_EQ((*world.state().snapshots)->front().id, world.configuration().runs[1].snapshotID);
-}
-
-TEST(Runs, ofAManualUnitAreNotRepeatedWhenTheyFail) {
-    StoreWorld world;
-    AppConfiguration configuration = test::oneUnit(world);
-    configuration.units[0].schedule.frequency = ScheduleFrequency::manual;
-    world.write(configuration);
-    fs::remove_all(world.disk);
-    AppStore& store = world.start();
-    store.run(world.unit(), 0);
-    world.time.advance(3600);
-    EXPECT_EQ(world.configuration().runs.size(), 1U);
-    EXPECT_EQ(world.lastRun().outcome, RunOutcome::failed);
-    EXPECT_FALSE(world.unit().nextRun);
-}
-
-TEST(Runs, thatTheUserStartedAndThatFailAreRepeatedSoonWhereThereIsASchedule) {
-    StoreWorld world;
-    AppConfiguration configuration = test::oneUnit(world);
-    configuration.units[0].schedule.frequency = ScheduleFrequency::hourly;
-    configuration.units[0].nextRun = world.time.now() + 3000;
-    world.write(configuration);
-    fs::remove_all(world.disk);
-    AppStore& store = world.start();
-    store.run(world.unit(), 0);
-    world.time.settle();
-    EXPECT_EQ(world.unit().nextRun, world.time.now() + 900);
-    EXPECT_FALSE(world.lastRun().missedRuns);
-    EXPECT_EQ(readFile(world.data / "Configuration.json").find("missedRuns"), std::string::npos);
 }
 
 TEST(Runs, rememberHowTheyAreToBeMailed) {
@@ -179,64 +134,6 @@ TEST(Runs, goOnWithTheUnitThatTheyBeganWith) {
     EXPECT_EQ(world.unit().nextRun, world.time.now() + 3600) << "the schedule is the one that stands now";
 }
 
-TEST(Runs, whoseRecordCannotBeWrittenDoNotBegin) {
-    StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
-    const AppConfiguration before = world.configuration();
-    fs::remove(world.data / "Configuration.json");
-    fs::create_directory(world.data / "Configuration.json");
-    store.run(world.unit(), 0);
-    EXPECT_EQ(world.configuration(), before);
-    EXPECT_NE(world.error(), "");
-    EXPECT_FALSE(*world.state().activeUnitID);
-    world.time.settle();
-    EXPECT_EQ(world.source->inventories, 0);
-}
-
-TEST(Runs, thatCannotBeWrittenDownAtTheirEndSayItAndEnd) {
-    StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
-    world.holdSources();
-    store.run(world.unit(), 0);
-    world.time.settle();
-    const fs::path file = world.data / "Configuration.json";
-    const fs::path kept = world.home / "kept.json";
-    fs::rename(file, kept);
-    fs::create_directory(file);
-    world.letSourcesGo();
-    EXPECT_EQ(world.lastRun().outcome, RunOutcome::succeeded);
-    EXPECT_NE(world.error(), "");
-    EXPECT_FALSE(*world.state().activeUnitID);
-    world.end();
-    fs::remove(file);
-    fs::rename(kept, file);
-    world.start();
-    EXPECT_EQ(world.lastRun().outcome, RunOutcome::interrupted) << "as the disk has it";
-}
-
-TEST(Runs, standAlthoughTheHistoryCannotBeCleanedUp) {
-    StoreWorld world;
-    AppConfiguration configuration = test::oneUnit(world);
-    configuration.units[0].retentionDays = 1;
-    world.write(configuration);
-    AppStore& store = world.start();
-    store.run(world.unit(), 0);
-    world.time.settle();
-    const fs::path objects = BackupRepository(world.disk, world.unit().id).root() / "Objects";
-    const fs::path fan = objects / directoryNames(objects).at(0);
-    writeAll(openFile(fan / "stray", O_WRONLY | O_CREAT), "not ours");
-    store.run(world.unit(), 0);
-    world.time.settle();
-    EXPECT_EQ(world.lastRun().outcome, RunOutcome::succeeded);
-    EXPECT_TRUE(world.lastRun().snapshotID.has_value());
-    EXPECT_EQ(world.lastRun().detail, "Snapshot completed. History cleanup needs attention: Invalid content "
-                                      "reference in the backup.");
-    EXPECT_EQ(world.unit().nextRun,
-              world.unit().schedule.next(world.time.now(), Calendar(world.zone, "en_US")));
-}
-
 TEST(Runs, tellWhatTheyAreDoing) {
     StoreWorld world;
     world.write(test::oneUnit(world));
@@ -286,6 +183,24 @@ TEST(Runs, areOneAtATime) {
     EXPECT_EQ(world.configuration().runs.size(), 1U);
     EXPECT_EQ(world.error(), "");
     world.letSourcesGo();
+}
+
+TEST(Runs, thatAreCancelledAreMailedByTheNextTick) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.email = test::mailToAnna();
+    world.write(configuration);
+    AppStore& store = world.start();
+    world.holdSources();
+    store.run(world.unit(), 0);
+    world.time.settle();
+    store.cancelBackup();
+    world.time.settle();
+    EXPECT_FALSE(*world.state().activeUnitID);
+    EXPECT_EQ(world.lastRun().emailAttempts, 0);
+    world.time.advance(30);
+    EXPECT_THAT(world.mailSubjects(), ElementsAre("Marrowbox · Snapshot cancelled · Papers"));
+    EXPECT_TRUE(world.lastRun().emailSent);
 }
 
 } // namespace marrowbox

@@ -183,4 +183,23 @@ TEST(Schedule, writesNothingWhenNothingIsDue) {
     EXPECT_EQ(fs::last_write_time(world.data / "Credentials"), credentials);
 }
 
+TEST(Schedule, goesOnAfterATickThatFailed) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units[0].nextRun = world.time.now() + 10;
+    configuration.runs = {test::mailedRun(configuration.units[0], world.time.now() - 60)};
+    configuration.runs[0].nextEmailAttempt = world.time.now() + 10;
+    world.write(configuration);
+    world.start();
+    world.zone = "Nowhere/Nothing";
+    world.time.advance(30);
+    EXPECT_NE(world.error(), "");
+    EXPECT_THAT(world.mailSubjects(), IsEmpty()) << "its dates need the zone too";
+    EXPECT_THAT(world.configuration().runs, SizeIs(1));
+    world.zone = "Europe/Berlin";
+    world.time.advance(30);
+    EXPECT_THAT(world.configuration().runs, SizeIs(2));
+    EXPECT_THAT(world.mailSubjects(), SizeIs(1));
+}
+
 } // namespace marrowbox

@@ -9,6 +9,7 @@
 namespace marrowbox {
 
 using test::StoreWorld;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -188,6 +189,61 @@ TEST(StartUp, tellsThatASecondCopyRuns) {
     second.start();
     EXPECT_EQ(second.error(), "This backup is already in use. Wait for the other job to finish.");
     EXPECT_THAT(second.configuration().units, IsEmpty());
+}
+
+TEST(StartUp, opensWithoutAFolderForItsDataAndSchedulesNothing) {
+    StoreWorld world;
+    writeAll(openFile(world.home / "file", O_WRONLY | O_CREAT), "in the way");
+    world.environment["MARROW_DATA_DIR"] = (world.home / "file" / "Data").string();
+    AppStore& store = world.start();
+    EXPECT_THAT(world.error(), HasSubstr("Not a directory"));
+    EXPECT_FALSE(store.configurationIsReadable());
+    EXPECT_EQ(world.configuration(), AppConfiguration());
+    store.dismissError();
+    world.time.advance(600);
+    EXPECT_EQ(world.error(), "");
+}
+
+TEST(StartUp, mailsARunThatACrashInterruptedLikeAnyOther) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.runs = {runningRecord(configuration.units[0], world.time.now() - 3600)};
+    configuration.runs[0].emailSettings = test::mailToAnna();
+    world.write(configuration);
+    world.start();
+    EXPECT_THAT(world.mailSubjects(), ElementsAre("Marrowbox · Snapshot interrupted · Papers"));
+    EXPECT_TRUE(world.lastRun().emailSent);
+}
+
+TEST(StartUp, startsNoRunAndSavesNoSettingsWhenNothingMayBeWritten) {
+    StoreWorld world;
+    AppConfiguration later = test::oneUnit(world);
+    later.schemaVersion = 2;
+    world.write(later);
+    AppStore& store = world.start();
+    store.dismissError();
+    store.run(world.unit(), 0);
+    world.time.settle();
+    EXPECT_EQ(world.error(), "") << "a run is refused in silence";
+    EXPECT_FALSE(*world.state().activeUnitID);
+    EXPECT_THROW(store.saveEmail(test::mailToAnna()), BackupError);
+    EXPECT_EQ(world.configuration().email, later.email);
+    EXPECT_EQ(world.written(), later);
+}
+
+TEST(StartUp, takesOverOnceTheFirstCopyHasEnded) {
+    StoreWorld first;
+    first.write(test::oneUnit(first));
+    first.start();
+    StoreWorld second;
+    fs::create_directory_symlink(first.data, second.data);
+    second.start();
+    EXPECT_FALSE(second.store->configurationIsReadable());
+    second.end();
+    first.end();
+    second.start();
+    EXPECT_TRUE(second.store->configurationIsReadable()) << second.error();
+    EXPECT_EQ(second.configuration().units.size(), 1U);
 }
 
 } // namespace marrowbox

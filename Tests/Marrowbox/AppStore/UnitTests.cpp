@@ -155,4 +155,41 @@ TEST(Units, showNothingOfTheUnitThatWasShownBefore) {
     EXPECT_THAT(**world.state().snapshots, IsEmpty());
 }
 
+TEST(Units, areKeptInAFolderWhoseNameIsOfAnyBytes) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units.clear();
+    world.write(configuration);
+    const fs::path folder = world.disk / "B\xFC"
+                                         "cher";
+    fs::create_directory(folder);
+    AppStore& store = world.start();
+    SyncUnit unit = test::dailyUnit(world);
+    unit.destinationPath = folder.string();
+    unit.destinationBookmark = world.desktop.makeBookmark(folder);
+    world.finish(store.addUnit(unit, folder));
+    EXPECT_EQ(world.unit().destinationPath, (world.disk / "B\uFFFD"
+                                                          "cher")
+                                                .string());
+    EXPECT_EQ(world.lastRun().outcome, RunOutcome::succeeded) << world.lastRun().detail.value_or("");
+    EXPECT_EQ(world.written(), world.configuration());
+}
+
+TEST(Units, keepTheirChangeInMemoryWhenItCannotBeWritten) {
+    StoreWorld world;
+    world.write(test::oneUnit(world));
+    AppStore& store = world.start();
+    fs::remove(world.data / "Configuration.json");
+    fs::create_directory(world.data / "Configuration.json");
+    SyncUnit unit = world.unit();
+    unit.name = "Letters";
+    store.updateUnit(unit);
+    EXPECT_NE(world.error(), "");
+    EXPECT_EQ(world.unit().name, "Letters");
+    store.dismissError();
+    store.removeUnit(unit);
+    EXPECT_NE(world.error(), "");
+    EXPECT_THAT(world.configuration().units, IsEmpty());
+}
+
 } // namespace marrowbox
