@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
+#include <mutex>
 #include <utility>
 
 namespace marrowbox {
@@ -23,6 +24,20 @@ class Work : public QEvent {
 } // namespace
 
 class MainExecutor::Queue : public QObject {
+  public:
+    void post(std::function<void()> work) {
+        const std::lock_guard lock(mutex_);
+        if (!isClosed_)
+            QCoreApplication::postEvent(this, new Work(std::move(work)));
+    }
+    void close() {
+        {
+            const std::lock_guard lock(mutex_);
+            isClosed_ = true;
+        }
+        QCoreApplication::removePostedEvents(this, workEvent);
+    }
+
   protected:
     bool event(QEvent* event) override {
         if (event->type() != workEvent)
@@ -30,6 +45,10 @@ class MainExecutor::Queue : public QObject {
         static_cast<Work*>(event)->take()();
         return true;
     }
+
+  private:
+    std::mutex mutex_;
+    bool isClosed_ = false;
 };
 
 MainExecutor::MainExecutor(std::shared_ptr<Queue> queue, asio::execution_context& waiting)
@@ -37,11 +56,19 @@ MainExecutor::MainExecutor(std::shared_ptr<Queue> queue, asio::execution_context
 }
 
 MainExecutor MainExecutor::onThisThread(asio::execution_context& waiting) {
-    return {std::make_shared<Queue>(), waiting};
+    auto queue = std::make_shared<Queue>();
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, queue.get(),
+                     [queue = queue.get()] { queue->close(); });
+    return {std::move(queue), waiting};
+}
+
+void MainExecutor::close() const {
+    const auto kept = queue_; // work that is dropped may hold the last copy
+    kept->close();
 }
 
 void MainExecutor::post(std::function<void()> work) const {
-    QCoreApplication::postEvent(queue_.get(), new Work(std::move(work)));
+    queue_->post(std::move(work));
 }
 
 } // namespace marrowbox
