@@ -75,7 +75,7 @@ std::string loginEntryText(const std::filesystem::path& executable, const LoginE
                        "Type=Application\n"
                        "Name=Marrowbox\n"
                        "Comment=Keeps private, versioned backups of your Google Drive\n"
-                       "Icon=marrowbox\n"
+                       "Icon=net.marrowbox.Marrowbox\n"
                        "Terminal=false\n"
                        "Exec=" +
                        execValue(executable) +

@@ -75,7 +75,7 @@ TEST_F(LoginItems, startTheExecutableOnceEnabled) {
               "Type=Application\n"
               "Name=Marrowbox\n"
               "Comment=Keeps private, versioned backups of your Google Drive\n"
-              "Icon=marrowbox\n"
+              "Icon=net.marrowbox.Marrowbox\n"
               "Terminal=false\n"
               "Exec=\"/usr/bin/marrowbox\"\n"
               "X-GNOME-Autostart-enabled=true\n");
