@@ -20,6 +20,7 @@ namespace marrowbox::demo {
 namespace {
 
 constexpr double day = 86'400;
+constexpr std::chrono::milliseconds endPause(10);
 
 fs::path writtenAuthority(const sandbox::SandboxServer& sandbox, const fs::path& folder) {
     const fs::path file = folder / "authority.pem";
@@ -32,7 +33,7 @@ fs::path writtenClient(sandbox::SandboxServer& sandbox, const fs::path& folder) 
     const auto& identity = sandbox.identity().client();
     const OAuthClient client{
         .client_id = identity.id, .client_secret = identity.secret, .project_id = identity.project};
-    const fs::path file = folder / "BundledClient.json";
+    const fs::path file = folder / "client_secret.json";
     JSONFile::write(std::map<std::string, OAuthClient>{{"installed", client}}, file);
     return file;
 }
@@ -59,12 +60,13 @@ std::string subjectOf(const std::string& mime) {
 
 } // namespace
 
-Stage::Stage(const fs::path& folder)
+Stage::Stage(const fs::path& folder, int daysAgo)
     : folder_(folder), authority_(writtenAuthority(sandbox_, folder)),
-      client_(writtenClient(sandbox_, folder)), destination_(madeFolder(folder / "destination")),
-      surroundings_(surroundingsIn(sandbox_, authority_, folder)), main_(asio::make_strand(pool_)),
+      destination_(madeFolder(folder / "destination")),
+      surroundings_(surroundingsIn(sandbox_, authority_, folder)), ahead_(-daysAgo * day),
+      main_(asio::make_strand(pool_)),
       session_({.certificateFile = authority_, .proxy = sandbox_.proxyURL()}),
-      desktop_(main_, surroundings_, madeFolder(folder / "restored")) {
+      desktop_(main_, surroundings_, writtenClient(sandbox_, folder), madeFolder(folder / "restored")) {
     sandbox_.identity().setSignIn({.consent = sandbox::ConsentAnswer::page});
     if (!RcloneDriveSource::locate())
         throw BackupError("rclone is not installed. Install the packages of dependencies.apt and try again.");
@@ -93,8 +95,8 @@ AppSurroundings Stage::surroundings() {
                 },
             .environment = {{"MARROW_DATA_DIR", folder_.string()}},
             .rclone = RcloneDriveSource::locate(),
-            .bundledClient = client_,
-            .clock = [this, machine = systemClock()] { return machine() + slept_.load(); }};
+            .bundledClient = std::nullopt,
+            .clock = [this, machine = systemClock()] { return machine() + ahead_.load(); }};
 }
 
 asio::awaitable<void> Stage::until(std::function<bool()> holds, std::stop_token stop) {
@@ -128,7 +130,16 @@ void Stage::throwError() {
     throw BackupError(*message);
 }
 
+asio::awaitable<void> Stage::importClient(std::stop_token stop) {
+    const AppState& state = store_->state();
+    store_->importClient();
+    co_await until([&state] { return state.configuration->usesImportedClient || *state.errorMessage; },
+                   std::move(stop));
+    throwError();
+}
+
 asio::awaitable<std::string> Stage::signIn(std::stop_token stop) {
+    co_await importClient(stop);
     const AppState& state = store_->state();
     desktop_.closeBrowserOn(stop);
     store_->connect(true, std::nullopt);
@@ -162,7 +173,7 @@ fs::path Stage::repository(const SyncUnit& unit) const {
 }
 
 void Stage::sleep(int days) {
-    slept_ = slept_.load() + days * day;
+    ahead_ = ahead_.load() + days * day;
 }
 
 const RunRecord* Stage::lastRun(const Uuid& unitID) const {
@@ -263,7 +274,12 @@ asio::awaitable<void> Stage::windDown() {
     const AppState& state = store_->state();
     co_await until([&state] { return !*state.activeUnitID && !*state.isExploring && !*state.isConnecting; },
                    {});
+    const std::weak_ptr<AppStore> ending = store_;
     store_.reset();
+    const Wait wait = timerWait();
+    while (!ending.expired()) // what it read last on the pool holds it
+        co_await wait(endPause, {});
+    sandbox_.identity().setSignIn({.consent = sandbox::ConsentAnswer::granted});
 }
 
 } // namespace marrowbox::demo

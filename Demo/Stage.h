@@ -23,8 +23,9 @@ namespace marrowbox::demo {
 /// was under way has wound down.
 class Stage {
   public:
-    /// Makes its folders below this one, which must exist and be empty.
-    explicit Stage(const fs::path& folder);
+    /// Makes its folders below this one, which must exist and be empty. Its clock begins so many days ago, so
+    /// that after as many days of sleep it shows the time of day.
+    Stage(const fs::path& folder, int daysAgo);
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
     /// After windDown().
@@ -33,8 +34,11 @@ class Stage {
     sandbox::SandboxServer& sandbox() { return sandbox_; }
     asio::any_io_executor executor() { return main_; }
 
-    /// Connects the account of the simulated Drive by a sign-in with a browser. Gives the page that the
-    /// browser shows at the end.
+    /// What a program is given that is to take the simulated services for Google's.
+    const ProcessSurroundings& surroundingsOfPrograms() const { return surroundings_; }
+
+    /// Gives the store the client file that a person would download, and connects the account of the
+    /// simulated Drive by a sign-in with a browser. Gives the page that the browser shows at the end.
     asio::awaitable<std::string> signIn(std::stop_token stop);
     const GoogleAccount& account() const { return store_->state().configuration->accounts.front(); }
 
@@ -56,11 +60,13 @@ class Stage {
     /// The subjects of the mails that the simulated Gmail has taken.
     std::vector<std::string> mailSubjects() const;
 
-    /// Ends the program: cancels what is under way and waits for it.
+    /// Ends the program: cancels what is under way and waits for it. What it made may then be used by another
+    /// one. Simulated sign-ins are consented to from now on without a page.
     asio::awaitable<void> windDown();
 
   private:
     AppSurroundings surroundings();
+    asio::awaitable<void> importClient(std::stop_token stop);
     /// Waits until this holds, which is asked after every change of the store.
     asio::awaitable<void> until(std::function<bool()> holds, std::stop_token stop);
     void cancelAll();
@@ -71,10 +77,9 @@ class Stage {
     fs::path folder_;
     sandbox::SandboxServer sandbox_;
     fs::path authority_;
-    fs::path client_;
     fs::path destination_;
     ProcessSurroundings surroundings_;
-    std::atomic<double> slept_{0}; ///< Seconds that the clock is ahead of the machine's.
+    std::atomic<double> ahead_; ///< Seconds that the clock is ahead of the machine's.
     asio::thread_pool pool_{2};
     asio::any_io_executor main_;
     HTTPSession session_;

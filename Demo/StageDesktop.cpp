@@ -2,9 +2,10 @@
 
 namespace marrowbox::demo {
 
-StageDesktop::StageDesktop(asio::any_io_executor main, ProcessSurroundings surroundings,
+StageDesktop::StageDesktop(asio::any_io_executor main, ProcessSurroundings surroundings, fs::path clientFile,
                            fs::path chosenFolder)
-    : main_(std::move(main)), surroundings_(std::move(surroundings)), chosenFolder_(std::move(chosenFolder)) {
+    : main_(std::move(main)), surroundings_(std::move(surroundings)), clientFile_(std::move(clientFile)),
+      chosenFolder_(std::move(chosenFolder)) {
 }
 
 void StageDesktop::wake() const {
@@ -16,7 +17,7 @@ std::unique_ptr<Activity> StageDesktop::beginActivity(std::string) {
 }
 
 asio::awaitable<std::optional<fs::path>> StageDesktop::chooseJSONFile(std::string) {
-    co_return std::nullopt;
+    co_return clientFile_;
 }
 
 asio::awaitable<std::optional<fs::path>> StageDesktop::chooseFolder(std::string) {

@@ -12,8 +12,9 @@ namespace marrowbox::demo {
 /// computer can be put to sleep. On the store's main executor.
 class StageDesktop final : public Desktop {
   public:
-    /// The person restores into this folder.
-    StageDesktop(asio::any_io_executor main, ProcessSurroundings surroundings, fs::path chosenFolder);
+    /// The person imports this client file, and restores into this folder.
+    StageDesktop(asio::any_io_executor main, ProcessSurroundings surroundings, fs::path clientFile,
+                 fs::path chosenFolder);
 
     /// The browser that was opened last; null before.
     const std::shared_ptr<Browser>& browser() const { return browser_; }
@@ -40,6 +41,7 @@ class StageDesktop final : public Desktop {
   private:
     asio::any_io_executor main_;
     ProcessSurroundings surroundings_;
+    fs::path clientFile_;
     fs::path chosenFolder_;
     std::stop_token browserStop_;
     std::shared_ptr<Browser> browser_;

@@ -75,7 +75,7 @@ void tellMails(const Stage& stage) {
 asio::awaitable<void> shortenHistory(Stage& stage, Place& place, Lines& lines, std::stop_token stop) {
     const SnapshotList before = co_await stage.history(place.unit, stop);
     stage.keepHistory(place.unit, 30);
-    stage.sleep(40);
+    stage.sleep(storyDays - 1);
     co_await backUp(stage, place, "third", lines, stop);
     const SnapshotList after = co_await stage.history(place.unit, stop);
     std::cout << "  History is now kept for 30 days: " << before->size() + 1 << " snapshots became "

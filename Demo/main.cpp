@@ -3,6 +3,7 @@
 #include "Demo/Stage.h"
 #include "Demo/Story.h"
 #include "Demo/Volumes.h"
+#include "Demo/Window.h"
 #include "Models/BackupError.h"
 #include "Platform/Cancellation.h"
 #include "Platform/Files.h"
@@ -29,13 +30,24 @@ asio::awaitable<void> prepare(fs::path folder) {
     makeDirectory(folder, 0700);
 }
 
+asio::awaitable<std::exception_ptr> failureToShow(Stage& stage, fs::path folder, std::stop_token stop) {
+    tellDailyUse();
+    try {
+        co_await showWindow(stage.surroundingsOfPrograms(), ProcessSurroundings::ofThisProcess().environment,
+                            folder, stop);
+    } catch (...) {
+        co_return std::current_exception();
+    }
+    co_return nullptr;
+}
+
 /// However the demonstration ends, nothing stays mounted.
 asio::awaitable<void> perform(fs::path folder, std::stop_token stop) {
     co_await prepare(folder);
     throwIfCancelled(stop);
     std::exception_ptr failure;
     {
-        Stage stage(folder);
+        Stage stage(folder, storyDays);
         auto work = asio::co_spawn(stage.executor(), demonstrate(stage, stop), asio::use_awaitable);
         try {
             co_await std::move(work);
@@ -43,6 +55,8 @@ asio::awaitable<void> perform(fs::path folder, std::stop_token stop) {
             failure = std::current_exception();
         }
         co_await asio::co_spawn(stage.executor(), stage.windDown(), asio::use_awaitable);
+        if (!failure)
+            failure = co_await failureToShow(stage, folder, stop);
     }
     const auto issue = co_await clearVolumes(folder);
     if (issue)

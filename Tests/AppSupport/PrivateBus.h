@@ -21,6 +21,8 @@ class PrivateBus {
 
     /// Another participant each time.
     QDBusConnection connect();
+    /// Where another process finds it.
+    const QString& address() const { return address_; }
 
   private:
     ScratchFolder folder_;

@@ -1,14 +1,10 @@
 // The demonstration as a person runs it, to its end and stopped in the middle.
+#include "DemoProgram.h"
 #include "Platform/Files.h"
 #include "Platform/FuseSupport.h"
-#include "Support/ScratchFolder.h"
 
-#include <csignal>
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace marrowbox::test {
 
@@ -16,95 +12,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-/// The program in a session of its own, as a terminal starts it: its tools are in its process group.
-class DemoProgram {
-  public:
-    DemoProgram() {
-        makeDirectory(temporary_, 0700);
-        int ends[2];
-        if (::pipe2(ends, O_CLOEXEC) != 0)
-            throwSystemError("pipe2", folder());
-        output_ = Descriptor(ends[0]);
-        const Descriptor input(ends[1]);
-        const std::string target = folder();
-        const std::string setting = "TMPDIR=" + temporary_.string();
-        process_ = ::fork();
-        if (process_ == 0) {
-            ::setsid();
-            ::dup2(input.number(), STDOUT_FILENO);
-            ::dup2(input.number(), STDERR_FILENO);
-            ::putenv(const_cast<char*>(setting.c_str()));
-            ::execl(MARROWBOX_DEMO, MARROWBOX_DEMO, target.c_str(), nullptr);
-            ::_exit(127);
-        }
-    }
-    DemoProgram(const DemoProgram&) = delete;
-    DemoProgram& operator=(const DemoProgram&) = delete;
-    ~DemoProgram() {
-        if (process_ > 0) {
-            ::kill(-process_, SIGKILL);
-            ::waitpid(process_, nullptr, 0);
-        }
-    }
-
-    fs::path folder() const { return fs::canonical(scratch_.path()) / "the demo's, größer"; }
-
-    /// Reads on until these words have been written.
-    void awaitWords(std::string_view words) {
-        while (written_.find(words) == std::string::npos)
-            ASSERT_TRUE(readMore()) << "never wrote “" << words << "”, but\n" << written_;
-    }
-    /// What Ctrl-C at a terminal does.
-    void interrupt() const { ::kill(-process_, SIGINT); }
-    void terminate() const { ::kill(process_, SIGTERM); }
-    /// Nobody reads what it writes any more.
-    void stopReading() { output_.close(); }
-    /// Its exit status, 128 and more for a signal.
-    int status() {
-        while (output_ && readMore()) {
-        }
-        int status = 0;
-        ::waitpid(process_, &status, 0);
-        process_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    }
-    const std::string& written() const { return written_; }
-
-    /// Fails the test when a mount, a process or a file of the program is left.
-    void expectNothingLeft() const {
-        const std::string place = fs::canonical(scratch_.path());
-        EXPECT_THAT(readFile("/proc/self/mountinfo"),
-                    testing::Not(HasSubstr(scratch_.path().filename().string())));
-        EXPECT_THAT(directoryNames(temporary_), IsEmpty());
-        EXPECT_FALSE(fs::exists(folder()));
-        for (const std::string& name : directoryNames("/proc"))
-            if (name.find_first_not_of("0123456789") == std::string::npos)
-                EXPECT_THAT(commandOf(name), testing::Not(HasSubstr(place)));
-    }
-
-  private:
-    bool readMore() {
-        char bytes[4096];
-        const std::size_t count = readSome(output_, bytes);
-        written_.append(bytes, count);
-        return count > 0;
-    }
-    /// Empty when the process is gone.
-    static std::string commandOf(const std::string& process) {
-        try {
-            return readFile(fs::path("/proc") / process / "cmdline");
-        } catch (const std::system_error&) {
-            return {};
-        }
-    }
-
-    ScratchFolder scratch_;
-    fs::path temporary_ = scratch_ / "temporary";
-    Descriptor output_;
-    pid_t process_ = -1;
-    std::string written_;
-};
 
 /// Stops the program once it has written these words.
 class DemoProgramStopped : public testing::TestWithParam<const char*> {
@@ -127,6 +34,8 @@ TEST(DemoProgram, signsInBacksUpBringsBackAndComparesEveryByte) {
                              "Shared drive, first snapshot restored", "Shared drive, last snapshot restored"})
         EXPECT_THAT(demo.written(),
                     testing::ContainsRegex(std::string("\n") + line + "[ 0-9.]*as it was in Google Drive\n"));
+    EXPECT_THAT(demo.written(), HasSubstr("For daily use, with your own Google account:\n"));
+    EXPECT_THAT(demo.written(), HasSubstr("There is no display here, so the window stays closed.\n"));
 }
 
 TEST(DemoProgram, mountsAndEjectsTheLastSnapshot) {
