@@ -1,8 +1,6 @@
 #include "Gallery/ContentWorld.h"
+#include "Gallery/LongerWords.h"
 #include "Gallery/Scene.h"
-
-#include <QCoreApplication>
-#include <QTranslator>
 
 #include <algorithm>
 #include <iterator>
@@ -15,19 +13,6 @@ constexpr QSize least(880, 640);
 constexpr QSize tall(1060, 1720);
 constexpr QSize large(3840, 2160);
 constexpr std::size_t usual = 9;
-
-/// A language whose every text is three tenths longer. It is spoken for as long as its parent lives.
-class LongerWords : public QTranslator {
-  public:
-    explicit LongerWords(QObject* parent) : QTranslator(parent) { QCoreApplication::installTranslator(this); }
-
-    bool isEmpty() const override { return false; }
-    QString translate(const char*, const char* source, const char*, int) const override {
-        const QString text = QString::fromUtf8(source);
-        const QString words = QStringLiteral(" eller nogle flere ord om det samme og lidt til bagefter");
-        return text + words.left(text.size() * 3 / 10);
-    }
-};
 
 using Script = std::function<void(ContentWorld&)>;
 
