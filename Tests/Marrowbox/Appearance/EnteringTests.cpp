@@ -81,6 +81,19 @@ TEST(NumberStepper, takesATypedNumber) {
     EXPECT_EQ(screen.value("holds"), 17);
 }
 
+TEST(NumberStepper, takesATypedNumberWhileTheFieldStillHasTheFocus) {
+    Screen screen(stepper);
+    screen.focus("Hour");
+    screen.key(Qt::Key_A, Qt::ControlModifier);
+    screen.type("1");
+    EXPECT_EQ(screen.value("holds"), 1);
+    screen.type("7");
+    EXPECT_EQ(screen.value("holds"), 17);
+    screen.type("5"); // there is no such hour
+    EXPECT_EQ(screen.value("holds"), 17);
+    EXPECT_TRUE(screen.hasFocus("Hour"));
+}
+
 TEST(NumberStepper, takesWhatAssistiveTechnologySets) {
     Screen screen(stepper);
     QAccessibleValueInterface* const value = screen.find("Hour", QAccessible::SpinBox)->valueInterface();

@@ -12,7 +12,14 @@ T.SpinBox {
     property string disabledReason: qsTr("Not available at the moment.")
     readonly property QtObject accent: Appearance.accentOf(Appearance.theme)
 
+    /// What stands in the field was typed, and is shown as it was.
+    property bool isTyping: false
+
     signal picked(int number)
+
+    function padded(number: int): string {
+        return String(number).padStart(digits, "0");
+    }
 
     value: number
     editable: true
@@ -24,15 +31,17 @@ T.SpinBox {
     implicitWidth: Appearance.stepperWidth
     implicitHeight: Appearance.controlHeight
     opacity: enabled ? Appearance.opaque : Appearance.disabledOpacity
-    textFromValue: value => String(value).padStart(digits, "0")
+    textFromValue: isTyping ? (value => valueFromText(field.text) === value ? field.text : padded(value)) : (value => padded(value))
     valueFromText: text => Number.parseInt(text, 10) || 0
+    onActiveFocusChanged: if (!activeFocus)
+        isTyping = false
     // Also what assistive technology sets comes this way.
     onValueChanged: if (value !== number)
         picked(value)
 
     Accessible.role: Accessible.SpinBox
     Accessible.name: label
-    Accessible.description: enabled ? textFromValue(value) : disabledReason
+    Accessible.description: enabled ? padded(value) : disabledReason
     Accessible.onIncreaseAction: if (enabled)
         increase()
     Accessible.onDecreaseAction: if (enabled)
@@ -44,6 +53,8 @@ T.SpinBox {
     }
 
     contentItem: TextInput {
+        id: field
+
         text: root.displayText
         font: root.font
         color: Appearance.text
@@ -54,6 +65,13 @@ T.SpinBox {
         verticalAlignment: Qt.AlignVCenter
         validator: root.validator
         inputMethodHints: Qt.ImhDigitsOnly
+        // Taken with every key, since a button that is clicked next does not take the focus from the field.
+        onTextEdited: {
+            root.isTyping = true;
+            const typed = root.valueFromText(text);
+            if (acceptableInput && typed !== root.number)
+                root.picked(typed);
+        }
     }
 
     up.indicator: StepMark {
