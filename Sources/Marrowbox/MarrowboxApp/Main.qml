@@ -73,7 +73,7 @@ T.ApplicationWindow {
         onActivated: root.close()
     }
     Shortcut {
-        sequences: [StandardKey.Quit]
+        sequence: "Ctrl+Q" // a standard key for it is known on some desktops only
         onActivated: root.quitting.request()
     }
 }
