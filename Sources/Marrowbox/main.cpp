@@ -1,6 +1,5 @@
 #include "Marrowbox/MarrowboxApp/MarrowboxApp.h"
 #include "Marrowbox/Platform/SingleInstance.h"
-#include "Processes/ProcessSurroundings.h"
 
 #include <QApplication>
 #include <csignal>
@@ -21,18 +20,19 @@ void resetSignals() {
 }
 
 int run() {
-    const Environment environment = ProcessSurroundings::ofThisProcess().environment;
-    const QDBusConnection sessionBus = QDBusConnection::sessionBus();
+    const ProgramSurroundings surroundings{.sessionBus = QDBusConnection::sessionBus(),
+                                           .systemBus = QDBusConnection::systemBus()};
     const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
 
     std::unique_ptr<MarrowboxApp> app;
-    SingleInstance instance(sessionBus, instanceName(environment), [&](const QString& given) {
-        if (app)
-            app->showWindow(given);
-    });
+    SingleInstance instance(surroundings.sessionBus, instanceName(surroundings.process.environment),
+                            [&](const QString& given) {
+                                if (app)
+                                    app->showWindow(given);
+                            });
     if (instance.claim(token, activationPatience) == SingleInstance::Role::second)
         return 0;
-    app = std::make_unique<MarrowboxApp>(sessionBus, QDBusConnection::systemBus(), environment);
+    app = std::make_unique<MarrowboxApp>(surroundings);
     app->showWindow(token);
     return QApplication::exec();
 }

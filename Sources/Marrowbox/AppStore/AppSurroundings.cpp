@@ -4,10 +4,11 @@
 
 namespace marrowbox {
 
-SourceMaker rcloneSources() {
-    return [](const SyncUnit& unit, std::shared_ptr<const GoogleAuth> auth, const fs::path& rclone) {
+SourceMaker rcloneSources(ProcessSurroundings surroundings) {
+    return [surroundings = std::move(surroundings)](
+               const SyncUnit& unit, std::shared_ptr<const GoogleAuth> auth, const fs::path& rclone) {
         return std::make_shared<RcloneDriveSource>(DriveAPI{std::move(auth), unit.accountID}, unit.source,
-                                                   rclone);
+                                                   rclone, surroundings);
     };
 }
 

@@ -9,6 +9,7 @@
 #include "Platform/DataDirectory.h"
 #include "Platform/Executors.h"
 #include "Platform/Formats.h"
+#include "Processes/ProcessSurroundings.h"
 #include "Repository/BackupSource.h"
 #include "SnapshotMount/SnapshotMount.h"
 
@@ -42,7 +43,7 @@ struct AppSurroundings {
     std::function<Formats()> formats = Formats::current;
 };
 
-/// A Drive folder fetched by rclone.
-SourceMaker rcloneSources();
+/// A Drive folder fetched by rclone, which runs in these surroundings.
+SourceMaker rcloneSources(ProcessSurroundings surroundings = ProcessSurroundings::ofThisProcess());
 
 } // namespace marrowbox

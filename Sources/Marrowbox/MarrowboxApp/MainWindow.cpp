@@ -30,7 +30,7 @@ struct MainWindow::Models {
     SetupScreens screens;
 };
 
-MainWindow::MainWindow(std::shared_ptr<AppStore> store, Quitting& quitting)
+MainWindow::MainWindow(std::shared_ptr<AppStore> store, Quitting& quitting, const QUrl& screens)
     : models_(std::make_unique<Models>(store)), engine_(std::make_unique<QQmlApplicationEngine>()) {
     qml_register_types_Marrowbox_MarrowboxApp();
     installAppearance(*engine_);
@@ -39,7 +39,7 @@ MainWindow::MainWindow(std::shared_ptr<AppStore> store, Quitting& quitting)
     engine_->setInitialProperties({{"model", QVariant::fromValue(&models_->window)},
                                    {"screens", QVariant::fromValue(&models_->screens)},
                                    {"quitting", QVariant::fromValue(&quitting)}});
-    engine_->load(QUrl("qrc:/Marrowbox/MarrowboxApp/Main.qml"));
+    engine_->load(screens);
     if (engine_->rootObjects().isEmpty())
         throw std::runtime_error("The window could not be made.");
     window_ = qobject_cast<QQuickWindow*>(engine_->rootObjects().front());

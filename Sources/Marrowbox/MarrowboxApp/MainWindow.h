@@ -17,8 +17,9 @@ namespace marrowbox {
 /// The one window, with the view models behind it. Closing it leaves the program running. On the main thread.
 class MainWindow : public QObject {
   public:
-    /// Loads the screens; shows nothing yet. The quitting outlives the window.
-    MainWindow(std::shared_ptr<AppStore> store, Quitting& quitting);
+    /// Loads the screens; shows nothing yet. The quitting outlives the window. Throws std::runtime_error when
+    /// they cannot be loaded.
+    MainWindow(std::shared_ptr<AppStore> store, Quitting& quitting, const QUrl& screens);
     ~MainWindow() override;
 
     /// Opens it, or brings it to the front.

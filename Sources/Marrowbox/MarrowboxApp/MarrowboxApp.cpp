@@ -1,7 +1,5 @@
 #include "Marrowbox/MarrowboxApp/MarrowboxApp.h"
 
-#include "Marrowbox/MarrowboxApp/FileChoosers.h"
-#include "Marrowbox/Platform/MainExecutor.h"
 #include "Processes/RcloneDriveSource.h"
 
 #include <QCoreApplication>
@@ -18,20 +16,13 @@ fs::path executable() {
     return QCoreApplication::applicationFilePath().toStdString();
 }
 
-/// The OAuth client file that a build may bring along.
-std::optional<fs::path> bundledClient() {
-    const fs::path file = executable().parent_path() / "../share/marrowbox/GoogleOAuth.json";
-    return fs::exists(file) ? std::optional(file) : std::nullopt;
-}
-
-LinuxSurroundings linuxSurroundings(QDBusConnection sessionBus, QDBusConnection systemBus,
-                                    const Environment& environment) {
-    return {.sessionBus = std::move(sessionBus),
-            .systemBus = std::move(systemBus),
-            .environment = environment,
+LinuxSurroundings linuxSurroundings(const ProgramSurroundings& program) {
+    return {.sessionBus = program.sessionBus,
+            .systemBus = program.systemBus,
+            .environment = program.process.environment,
             .executable = executable(),
-            .chooseJSONFile = FileChoosers::chooseJSONFile,
-            .chooseFolder = FileChoosers::chooseFolder};
+            .chooseJSONFile = program.chooseJSONFile,
+            .chooseFolder = program.chooseFolder};
 }
 
 template <typename... Functions>
@@ -41,19 +32,27 @@ struct Overloaded : Functions... {
 
 } // namespace
 
-MarrowboxApp::MarrowboxApp(QDBusConnection sessionBus, QDBusConnection systemBus,
-                           const Environment& environment)
-    : main_(MainExecutor::onThisThread(pool_)), session_(HTTPSettings::fromEnvironment()),
-      desktop_(linuxSurroundings(sessionBus, systemBus, environment)), store_(startStore(environment)),
-      quitting_(store_, &QCoreApplication::quit), window_(store_, quitting_),
-      notifications_(sessionBus, [this] { showWindow({}); }),
+std::optional<fs::path> installedClient() {
+    const fs::path file = executable().parent_path() / "../share/marrowbox/GoogleOAuth.json";
+    return fs::exists(file) ? std::optional(file) : std::nullopt;
+}
+
+void endEventLoop() {
+    QCoreApplication::quit();
+}
+
+MarrowboxApp::MarrowboxApp(const ProgramSurroundings& surroundings)
+    : main_(MainExecutor::onThisThread(pool_)), session_(surroundings.web),
+      desktop_(linuxSurroundings(surroundings)), store_(startStore(surroundings)),
+      quitting_(store_, surroundings.end), window_(store_, quitting_, surroundings.screens),
+      notifications_(surroundings.sessionBus, [this] { showWindow({}); }),
       notices_(store_->state(), *store_,
                [this](const RunNotice& notice) { notifications_.notify(notice.title, notice.body); }),
       tray_(
           store_->state(), *store_, [this](const TrayCommand::Any& command) { perform(command); },
           [](const QString& symbol) { return MainWindow::trayIcon(symbol); }),
       appearance_(
-          sessionBus, [this](AppearancePreferences preferences) { window_.follow(preferences); },
+          surroundings.sessionBus, [this](AppearancePreferences preferences) { window_.follow(preferences); },
           appearancePatience) {
     window_.follow(appearance_.preferences());
     window_.keepReachable([this] { return tray_.isReachable(); });
@@ -66,16 +65,23 @@ MarrowboxApp::~MarrowboxApp() {
     pool_.join();
 }
 
-std::shared_ptr<AppStore> MarrowboxApp::startStore(const Environment& environment) {
+MarrowboxApp::EndOfWork::~EndOfWork() {
+    pool_.stop();
+    pool_.join();
+    main_.close();
+}
+
+std::shared_ptr<AppStore> MarrowboxApp::startStore(const ProgramSurroundings& surroundings) {
     return AppStore::start({.desktop = desktop_,
                             .main = main_,
                             .pool = pool_.get_executor(),
                             .http = HTTP(session_, timerWait()),
-                            .mountMachine = MountMachine::live(ProcessSurroundings::ofThisProcess()),
-                            .makeSource = rcloneSources(),
-                            .environment = environment,
+                            .mountMachine = MountMachine::live(surroundings.process),
+                            .makeSource = rcloneSources(surroundings.process),
+                            .environment = surroundings.process.environment,
                             .rclone = RcloneDriveSource::locate(),
-                            .bundledClient = bundledClient()});
+                            .bundledClient = surroundings.bundledClient,
+                            .clock = surroundings.clock});
 }
 
 void MarrowboxApp::showWindow(const QString& activationToken) {

@@ -3,12 +3,14 @@
 #include "GoogleOAuth/HTTPSession.h"
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/MarrowboxApp/MainWindow.h"
+#include "Marrowbox/MarrowboxApp/ProgramSurroundings.h"
 #include "Marrowbox/MarrowboxApp/Quitting.h"
 #include "Marrowbox/MarrowboxApp/RunNotices.h"
 #include "Marrowbox/MarrowboxApp/TrayItem.h"
 #include "Marrowbox/Platform/DesktopAppearance.h"
 #include "Marrowbox/Platform/DesktopNotifications.h"
 #include "Marrowbox/Platform/LinuxDesktop.h"
+#include "Marrowbox/Platform/MainExecutor.h"
 
 #include <QDBusConnection>
 #include <boost/asio/signal_set.hpp>
@@ -22,22 +24,39 @@ namespace marrowbox {
 /// thread, which turns a Qt event loop.
 class MarrowboxApp : public QObject {
   public:
-    MarrowboxApp(QDBusConnection sessionBus, QDBusConnection systemBus, const Environment& environment);
+    /// Throws std::runtime_error when the screens cannot be loaded.
+    explicit MarrowboxApp(const ProgramSurroundings& surroundings);
     ~MarrowboxApp() override;
 
     /// Opens the window, or brings it to the front. The token is what the desktop gave for that; may be
     /// empty.
     void showWindow(const QString& activationToken);
+    QQuickWindow* window() const { return window_.window(); }
 
   private:
-    std::shared_ptr<AppStore> startStore(const Environment& environment);
+    /// Ends all work while what it uses is still there: no thread of the pool runs any more after it, and
+    /// what was on its way to the main thread is dropped.
+    class EndOfWork {
+      public:
+        EndOfWork(asio::thread_pool& pool, const MainExecutor& main) : pool_(pool), main_(main) {}
+        EndOfWork(const EndOfWork&) = delete;
+        EndOfWork& operator=(const EndOfWork&) = delete;
+        ~EndOfWork();
+
+      private:
+        asio::thread_pool& pool_;
+        const MainExecutor& main_;
+    };
+
+    std::shared_ptr<AppStore> startStore(const ProgramSurroundings& surroundings);
     void perform(const TrayCommand::Any& command);
     void awaitSignals();
 
     asio::thread_pool pool_{4};
-    asio::any_io_executor main_;
+    MainExecutor main_;
     HTTPSession session_;
     LinuxDesktop desktop_;
+    EndOfWork endOfWork_{pool_, main_};
     std::shared_ptr<AppStore> store_;
     Quitting quitting_;
     MainWindow window_;

@@ -66,4 +66,35 @@ TEST(MainExecutor, runsNothingBeforeTheEventLoopTurns) {
     EXPECT_TRUE(ran);
 }
 
+TEST(MainExecutor, dropsWhatIsLeftWhenItCloses) {
+    int count = 0;
+    QCoreApplication application(count, nullptr);
+    asio::thread_pool pool(1);
+    const auto main = MainExecutor::onThisThread(pool);
+    const auto held = std::make_shared<int>();
+    main.execute([held] { ADD_FAILURE() << "What is dropped has run."; });
+    main.close();
+    main.execute([held] { ADD_FAILURE() << "What came too late has run."; });
+    EXPECT_EQ(held.use_count(), 1);
+    QCoreApplication::processEvents();
+}
+
+TEST(MainExecutor, closesAroundWorkThatPostsAsItEnds) {
+    int count = 0;
+    QCoreApplication application(count, nullptr);
+    asio::thread_pool pool(1);
+    bool hasEnded = false;
+    {
+        const auto main = MainExecutor::onThisThread(pool);
+        // The end of a coroutine cancels what it waits for, which tells so on the same executor.
+        const std::shared_ptr<void> posts(nullptr, [main, &hasEnded](void*) {
+            hasEnded = true;
+            main.execute([] {});
+        });
+        main.execute([posts] {});
+        main.close();
+    }
+    EXPECT_TRUE(hasEnded);
+}
+
 } // namespace marrowbox
