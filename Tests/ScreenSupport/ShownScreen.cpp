@@ -3,17 +3,16 @@
 #include "Marrowbox/Appearance/AppearanceState.h"
 #include "Marrowbox/Appearance/InstallAppearance.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QQmlComponent>
 #include <QQuickItem>
-#include <QTest>
 #include <gtest/gtest.h>
 
 namespace marrowbox::test {
 
 namespace {
 
-constexpr int patience = 5000; // milliseconds
 constexpr QSize leastSize(880, 640);
 
 QStringList warnings;
@@ -37,29 +36,6 @@ void startApplication() {
     QAccessible::setActive(application != nullptr);
 }
 
-using Visit = std::function<bool(QAccessibleInterface&)>;
-
-/// Visits what can be seen, from the front; ends when a visit says so.
-bool visit(QAccessibleInterface* element, const Visit& visitor) {
-    if (!element || element->state().invisible)
-        return false;
-    for (int i = element->childCount() - 1; i >= 0; --i)
-        if (visit(element->child(i), visitor))
-            return true;
-    return visitor(*element);
-}
-
-bool isScrolledAway(const QQuickItem& item) {
-    for (const QQuickItem* view = item.parentItem(); view; view = view->parentItem()) {
-        if (!view->inherits("QQuickFlickable"))
-            continue;
-        const QRectF shown(0, 0, view->width(), view->height());
-        if (!shown.contains(item.mapRectToItem(view, item.boundingRect())))
-            return true;
-    }
-    return false;
-}
-
 QQmlEngine& installed(QQmlEngine& engine, const ShownScreen::Install& install) {
     installAppearance(engine);
     install(engine);
@@ -71,12 +47,13 @@ QQmlEngine& installed(QQmlEngine& engine, const ShownScreen::Install& install) {
 
 ShownScreen::ShownScreen(const QUrl& component, const QVariantMap& properties, const Install& install,
                          Turn turn)
-    : turn_((startApplication(), std::move(turn))) {
+    : WindowUser((startApplication(), std::move(turn))) {
     warnings.clear();
     qInstallMessageHandler(collect);
     installed(engine_, install);
     window_ = std::make_unique<QQuickWindow>();
     window_->resize(leastSize);
+    sitDownAt(*window_);
     QQmlComponent loaded(&engine_, component);
     QObject* const root = loaded.beginCreate(engine_.rootContext());
     auto* const item = qobject_cast<QQuickItem*>(root);
@@ -98,115 +75,6 @@ ShownScreen::~ShownScreen() {
     window_.reset();
     qInstallMessageHandler(nullptr);
     EXPECT_TRUE(warnings.isEmpty()) << warnings.join(u'\n').toStdString();
-}
-
-void ShownScreen::settle() const {
-    for (int round = 0; round < 3; ++round) {
-        turn_();
-        QCoreApplication::processEvents();
-        window_->grabWindow(); // lays out what has just come
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-}
-
-QAccessibleInterface* ShownScreen::find(const QString& name) const {
-    QAccessibleInterface* match = nullptr;
-    visit(QAccessible::queryAccessibleInterface(window_.get()), [&](QAccessibleInterface& element) {
-        if (element.text(QAccessible::Name) != name)
-            return false;
-        match = &element;
-        // A label often has the name of the control beside it.
-        return element.role() != QAccessible::StaticText && element.role() != QAccessible::Heading;
-    });
-    return match;
-}
-
-bool ShownScreen::shows(const QString& name) const {
-    return find(name) != nullptr;
-}
-
-bool ShownScreen::comesToShow(const QString& name) {
-    return QTest::qWaitFor([&] { return settle(), shows(name); }, patience);
-}
-
-bool ShownScreen::ceasesToShow(const QString& name) {
-    return QTest::qWaitFor([&] { return settle(), !shows(name); }, patience);
-}
-
-QAccessibleInterface* ShownScreen::found(const QString& name) {
-    if (!comesToShow(name))
-        ADD_FAILURE() << name.toStdString() << " is not among: " << names().join(u'\n').toStdString();
-    return find(name);
-}
-
-QString ShownScreen::description(const QString& name) {
-    QAccessibleInterface* const element = found(name);
-    return element ? element->text(QAccessible::Description) : QString();
-}
-
-QString ShownScreen::textIn(const QString& name) {
-    QAccessibleInterface* const element = found(name);
-    return element ? element->text(QAccessible::Value) : QString();
-}
-
-bool ShownScreen::isChecked(const QString& name) {
-    QAccessibleInterface* const element = found(name);
-    return element && element->state().checked;
-}
-
-void ShownScreen::click(const QString& name) {
-    QAccessibleInterface* element = found(name);
-    if (!element)
-        return;
-    auto* const item = qobject_cast<QQuickItem*>(element->object());
-    if (item && isScrolledAway(*item)) // a person would scroll; what gets the focus comes into sight as well
-        item->forceActiveFocus(Qt::OtherFocusReason);
-    settle();
-    const QPoint place = window_->mapFromGlobal(element->rect().center());
-    QTest::mouseMove(window_.get(), place);
-    QTest::mouseClick(window_.get(), Qt::LeftButton, {}, place);
-    settle();
-}
-
-void ShownScreen::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
-    QTest::keyClick(window_.get(), key, modifiers);
-    settle();
-}
-
-void ShownScreen::type(const QString& text) {
-    for (const QChar letter : text)
-        QTest::sendKeyEvent(QTest::Click, window_.get(), Qt::Key_unknown, letter, Qt::NoModifier);
-    settle();
-}
-
-void ShownScreen::tabTo(const QString& name) {
-    constexpr int mostStops = 60;
-    for (int stop = 0; stop < mostStops; ++stop) {
-        if (focused() == name)
-            return;
-        press(Qt::Key_Tab);
-    }
-    ADD_FAILURE() << "The focus never comes to " << name.toStdString();
-}
-
-QString ShownScreen::focused() const {
-    // A field inside a control has no name of its own.
-    for (QQuickItem* item = window_->activeFocusItem(); item; item = item->parentItem()) {
-        QAccessibleInterface* const element = QAccessible::queryAccessibleInterface(item);
-        if (const QString name = element ? element->text(QAccessible::Name) : QString(); !name.isEmpty())
-            return name;
-    }
-    return {};
-}
-
-QStringList ShownScreen::names() const {
-    QStringList all;
-    visit(QAccessible::queryAccessibleInterface(window_.get()), [&](QAccessibleInterface& element) {
-        all.prepend(element.text(QAccessible::Name));
-        return false;
-    });
-    all.removeAll(QString());
-    return all;
 }
 
 } // namespace marrowbox::test
