@@ -57,12 +57,13 @@ std::time_t firstReach(const LocalMinute& wanted, std::time_t somewhereInTheDay)
 }
 
 std::time_t expected(const Question& asked, std::time_t after) {
-    for (std::time_t noon = after - 2 * day;; noon += day) {
-        const std::tm local = localTime(noon);
+    // Half a day at a time, since a whole one could step over a day that lacks an hour.
+    for (std::time_t within = after - 2 * day;; within += day / 2) {
+        const std::tm local = localTime(within);
         if (asked.weekday != 0 && local.tm_wday != asked.weekday - 1)
             continue;
         const std::time_t reached =
-            firstReach({local.tm_year, local.tm_yday, asked.hour, asked.minute}, noon);
+            firstReach({local.tm_year, local.tm_yday, asked.hour, asked.minute}, within);
         if (reached > after)
             return reached;
     }
