@@ -67,11 +67,6 @@ void MainExecutor::close() const {
     kept->close();
 }
 
-void MainExecutor::close() const {
-    const auto kept = queue_; // work that is dropped may hold the last copy
-    kept->close();
-}
-
 void MainExecutor::post(std::function<void()> work) const {
     queue_->post(std::move(work));
 }
