@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace marrowbox::test {
 
@@ -154,8 +155,14 @@ void WindowUser::click(QAccessibleInterface& element) {
     settle();
     if (const auto* const item = qobject_cast<QQuickItem*>(element.object()))
         scrollTo(*item);
-    const QPoint place = window_->mapFromGlobal(element.rect().center());
-    QTest::mouseMove(window_, place);
+    QPoint place;
+    // What comes in the meantime may move the element away from under the pointer: a person follows it.
+    const auto staysUnderPointer = [&] {
+        const QPoint now = window_->mapFromGlobal(element.rect().center());
+        QTest::mouseMove(window_, now);
+        return std::exchange(place, now) == now;
+    };
+    comesTo(staysUnderPointer);
     QTest::mouseClick(window_, Qt::LeftButton, {}, place);
     settle();
 }

@@ -102,6 +102,8 @@ TEST_F(FlowOfSettings, setEmailUpAndARunIsMailed) {
     fill("Send to", "nobody");
     user.click("Allow Gmail to send summaries…");
     allow();
+    // The button is named otherwise while the browser is open, and goes when the account may send.
+    EXPECT_TRUE(comesToBeWritten([](const auto& written) { return written.accounts.at(0).canSendEmail; }));
     EXPECT_TRUE(user.ceasesToShow("Allow Gmail to send summaries…"));
     EXPECT_EQ(user.textIn("Send to"), "nobody");
     user.click("Save email settings");
