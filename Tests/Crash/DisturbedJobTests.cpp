@@ -54,11 +54,8 @@ struct End {
 class DisturbedJob : public testing::TestWithParam<std::tuple<Job, Disturbance>> {
   protected:
     void SetUp() override {
-        try {
-            WatchedProgram({"/bin/true"}).run([](const FileCall&) { return Answer::proceed(); });
-        } catch (const WatchingRefused& refusal) {
-            GTEST_SKIP() << refusal.what();
-        }
+        if (const auto reason = reasonForNoWatching())
+            GTEST_SKIP() << *reason;
         fs::create_directory(before());
         job().prepare(before());
     }

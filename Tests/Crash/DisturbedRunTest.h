@@ -11,11 +11,8 @@ namespace marrowbox::test {
 class DisturbedRunTest : public testing::TestWithParam<Scene> {
   protected:
     void SetUp() override {
-        try {
-            WatchedProgram({"/bin/true"}).run([](const FileCall&) { return Answer::proceed(); });
-        } catch (const WatchingRefused& refusal) {
-            GTEST_SKIP() << refusal.what();
-        }
+        if (const auto reason = reasonForNoWatching())
+            GTEST_SKIP() << *reason;
     }
 
     /// Tells how much was tried, on the terminal and in the test's record.

@@ -19,11 +19,8 @@ bool removes(const FileCall& call, const fs::path& folder) {
 class KilledPrune : public testing::Test {
   protected:
     void SetUp() override {
-        try {
-            WatchedProgram({"/bin/true"}).run([](const FileCall&) { return Answer::proceed(); });
-        } catch (const WatchingRefused& refusal) {
-            GTEST_SKIP() << refusal.what();
-        }
+        if (const auto reason = reasonForNoWatching())
+            GTEST_SKIP() << *reason;
         const fs::path stray = before.repository().objectPaths().object(ObjectHash(std::string(64, 'a')));
         fs::create_directories(stray.parent_path());
         fs::copy_file("/bin/true", stray);

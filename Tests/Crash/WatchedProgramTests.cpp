@@ -18,11 +18,8 @@ class Watching : public testing::Test {
   protected:
     void SetUp() override {
         std::ofstream(folder / "old") << "abcdefghij";
-        try {
-            WatchedProgram({"/bin/true"}).run([](const auto&) { return Answer::proceed(); });
-        } catch (const WatchingRefused& refusal) {
-            GTEST_SKIP() << refusal.what();
-        }
+        if (const auto reason = reasonForNoWatching())
+            GTEST_SKIP() << *reason;
     }
 
     /// Runs a command of the shell; calls outside the folder take place.

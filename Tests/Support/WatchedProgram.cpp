@@ -10,6 +10,7 @@
 #include <linux/audit.h>
 #include <linux/filter.h>
 #include <poll.h>
+#include <stdexcept>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -22,6 +23,11 @@
 namespace marrowbox::test {
 
 namespace {
+
+class WatchingRefused : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
 
 [[noreturn]] void throwError(const char* call) {
     throw std::system_error(errno, std::generic_category(), call);
@@ -89,6 +95,15 @@ Descriptor receiveDescriptor(int socket) {
 }
 
 } // namespace
+
+std::optional<std::string> reasonForNoWatching() {
+    try {
+        WatchedProgram({"/bin/true"}).run([](const FileCall&) { return Answer::proceed(); });
+        return std::nullopt;
+    } catch (const WatchingRefused& refusal) {
+        return refusal.what();
+    }
+}
 
 WatchedProgram::WatchedProgram(const std::vector<std::string>& words)
     : errors_(::memfd_create("errors", MFD_CLOEXEC)) {

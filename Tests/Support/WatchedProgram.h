@@ -5,7 +5,7 @@
 
 #include <functional>
 #include <linux/seccomp.h>
-#include <stdexcept>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,18 +32,16 @@ class Answer {
     int error_;
 };
 
-/// This machine does not let one process watch another's calls.
-class WatchingRefused : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+/// Why this machine does not let one process watch another's calls; nothing when it does.
+std::optional<std::string> reasonForNoWatching();
 
 /// A program that asks before each system call with which it changes files, whichever of its threads makes
 /// it. The kernel holds the calling thread until the answer. Nothing is traced, so the program may be built
 /// with a sanitizer, and it runs at nearly its own speed. It is killed with the object.
 class WatchedProgram {
   public:
-    /// Starts the program of the first word with all the words as its arguments. Throws WatchingRefused.
+    /// Starts the program of the first word with all the words as its arguments. Throws where
+    /// reasonForNoWatching() has one.
     explicit WatchedProgram(const std::vector<std::string>& words);
     WatchedProgram(const WatchedProgram&) = delete;
     WatchedProgram& operator=(const WatchedProgram&) = delete;

@@ -28,11 +28,8 @@ class KilledStore : public testing::Test {
             configuration.runs.back().emailSent = day > 1;
         }
         world.write(configuration);
-        try {
-            WatchedProgram({"/bin/true"}).run([](const FileCall&) { return Answer::proceed(); });
-        } catch (const WatchingRefused& refusal) {
-            GTEST_SKIP() << refusal.what();
-        }
+        if (const auto reason = reasonForNoWatching())
+            GTEST_SKIP() << *reason;
     }
 
     /// Runs the program on a fresh copy of the folder and answers its calls in the watched folder.
