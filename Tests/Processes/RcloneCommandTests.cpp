@@ -54,15 +54,15 @@ TEST(RcloneCommand, addsIdentifierAndTargetOfEachFileInOrder) {
     const std::vector<SourceEntry> batch{file("b", "z/second.txt"), directory("d", "z"),
                                          file("-a", "first – “1”")};
     auto expected = commonArguments();
-    expected.insert(expected.end(), {"b", "/work/z/second.txt", "-a", "/work/first – “1”"});
-    EXPECT_EQ(RcloneCommand::arguments(RcloneCommand::items(batch, "/work")), expected);
+    expected.insert(expected.end(), {"b", "/scratch/z/second.txt", "-a", "/scratch/first – “1”"});
+    EXPECT_EQ(RcloneCommand::arguments(RcloneCommand::items(batch, "/scratch")), expected);
 }
 
 TEST(RcloneCommand, holdsAtMostEightyFourArguments) {
     std::vector<SourceEntry> batch;
     for (std::size_t index = 0; index < RcloneCommand::batchSize; ++index)
         batch.push_back(file("id", "path" + std::to_string(index)));
-    EXPECT_EQ(RcloneCommand::arguments(RcloneCommand::items(batch, "/work")).size(), 84U);
+    EXPECT_EQ(RcloneCommand::arguments(RcloneCommand::items(batch, "/scratch")).size(), 84U);
 }
 
 TEST(RcloneCommand, knowsThePathsThatRcloneWouldWriteElsewhere) {
@@ -88,10 +88,10 @@ TEST(RcloneCommand, knowsThePathsThatRcloneWouldWriteElsewhere) {
 
 TEST(RcloneCommand, fetchesAFileThatWouldBeRewrittenToAPlainName) {
     const std::vector<SourceEntry> batch{file("a", "folder/‛Twas"), file("b", "folder/␊")};
-    const auto items = RcloneCommand::items(batch, "/work");
+    const auto items = RcloneCommand::items(batch, "/scratch");
     ASSERT_EQ(items.size(), 2U);
-    EXPECT_EQ(items[0].target, "/work/folder/‛Twas");
-    EXPECT_EQ(items[0].fetchedTo.parent_path(), "/work");
+    EXPECT_EQ(items[0].target, "/scratch/folder/‛Twas");
+    EXPECT_EQ(items[0].fetchedTo.parent_path(), "/scratch");
     EXPECT_FALSE(RcloneCommand::isRewritten(items[0].fetchedTo.string()));
     EXPECT_NE(items[0].fetchedTo, items[1].fetchedTo);
 }
