@@ -147,8 +147,7 @@ TEST(Accounts, areNotDisconnectedWhileABackupOrTheSenderNeedsThem) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.accounts.push_back(bert());
     configuration.email.accountID = bert().id; // with the provider disabled
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.removeAccount(test::anna());
     EXPECT_EQ(world.error(), refusal);
     store.dismissError();
@@ -163,8 +162,7 @@ TEST(Accounts, loseTheirCredentialWhenTheyAreDisconnected) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.accounts.push_back(bert());
     world.addCredential(bert());
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.removeAccount(world.configuration().accounts[1]);
     EXPECT_THAT(world.configuration().accounts, ElementsAre(test::anna()));
     EXPECT_THAT(*world.state().availableCredentials, ElementsAre("anna"));
@@ -176,8 +174,7 @@ TEST(Accounts, stayInTheListWhenTheirCredentialCannotBeRemoved) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.clear();
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     fs::permissions(world.data / "Credentials", fs::perms::owner_all | fs::perms::group_read);
     store.removeAccount(test::anna());
     EXPECT_EQ(world.error(), "Credential storage permissions are unsafe. Credentials were not accessed.");
@@ -186,8 +183,7 @@ TEST(Accounts, stayInTheListWhenTheirCredentialCannotBeRemoved) {
 
 TEST(Accounts, stayAvailableWhileTheCredentialStoreCannotTell) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    world.start();
+    world.startWith(test::oneUnit(world));
     EXPECT_THAT(*world.state().availableCredentials, ElementsAre("anna"));
     fs::permissions(world.data / "Credentials", fs::perms::owner_all | fs::perms::group_read);
     world.time.advance(60);
@@ -200,8 +196,7 @@ TEST(Accounts, areLeftAloneWithTheirCredentialsByAProgramThatMayNotWrite) {
     AppConfiguration later = test::oneUnit(world);
     later.schemaVersion = 2;
     later.units.clear();
-    world.write(later);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(later);
     store.removeAccount(test::anna());
     EXPECT_EQ(world.error(),
               "Configuration could not be loaded. It has been preserved; automatic backups are paused.");

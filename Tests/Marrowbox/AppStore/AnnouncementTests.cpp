@@ -134,8 +134,7 @@ class Announcement : public testing::TestWithParam<Announced> {};
 TEST_P(Announcement, comesBeforeTheChangeAndAfterIt) {
     const Announced& announced = GetParam();
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     const std::string before = announced.read(store.state());
     std::string known = before;
     int changes = 0;
@@ -164,8 +163,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Announcement, testing::ValuesIn(allAnnounced()),
 
 TEST(Announcements, ofCredentialsComeOnlyWhenSomethingChanged) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     world.time.advance(5);
     int announcements = 0;
     QObject::connect(&store, &AppStore::changed, [&](StoreField) { ++announcements; });

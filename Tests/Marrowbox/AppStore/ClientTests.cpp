@@ -88,8 +88,7 @@ TEST(Client, ofABuildWithoutOneCannotComeBack) {
 
 TEST(Client, isTheOneOfTheBuildWhenTheImportIsGone) {
     StoreWorld world;
-    world.write({.usesImportedClient = true});
-    world.start();
+    world.startWith({.usesImportedClient = true});
     EXPECT_EQ(*world.state().credentialProject, "Bundled project");
     EXPECT_TRUE(world.configuration().usesImportedClient);
 }
@@ -97,8 +96,7 @@ TEST(Client, isTheOneOfTheBuildWhenTheImportIsGone) {
 TEST(Client, isNoneWhenTheImportIsGoneAndTheBuildHasNone) {
     StoreWorld world;
     world.bundledClient.reset();
-    world.write({.usesImportedClient = true});
-    world.start();
+    world.startWith({.usesImportedClient = true});
     EXPECT_EQ(*world.state().auth, nullptr);
     EXPECT_FALSE(world.written().usesImportedClient);
     EXPECT_EQ(world.error(), "");

@@ -33,8 +33,7 @@ AppConfiguration twoDigests(StoreWorld& world) {
 
 TEST(Digests, goOutInOnePassInTheOrderOfTheUnits) {
     StoreWorld world;
-    world.write(twoDigests(world));
-    world.start();
+    world.startWith(twoDigests(world));
     EXPECT_THAT(world.mailSubjects(),
                 ElementsAre("Marrowbox · Daily summary · Papers", "Marrowbox · Daily summary · Photos"));
     EXPECT_THAT(world.configuration().runs, Each(Field(&RunRecord::emailSent, true)));
@@ -51,8 +50,7 @@ TEST(Digests, goOutNoMoreThanOnceADayHoweverManyRunsEnd) {
     configuration.units[0].schedule.frequency = ScheduleFrequency::hourly;
     configuration.units[0].nextRun = world.time.now() + 600;
     configuration.email = test::mailToAnna();
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     EXPECT_THAT(world.mailSubjects(), SizeIs(1));
     world.time.advance(86'400 - 1);
     EXPECT_THAT(world.mailSubjects(), SizeIs(1));
@@ -97,8 +95,7 @@ TEST(Digests, goByTheSettingsOfTheNewestRun) {
     AppConfiguration configuration = twoDigests(world);
     configuration.runs[1].emailSettings->recipient = "newest@example.org";
     configuration.runs[2].emailSettings->recipient = "oldest@example.org";
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     EXPECT_THAT(world.mailRecipients(), ElementsAre("newest@example.org", "anna@example.org"));
 }
 
@@ -106,8 +103,7 @@ TEST(Digests, waitInSilenceWhileTheNewestRunCannotBeMailed) {
     StoreWorld world;
     AppConfiguration configuration = twoDigests(world);
     configuration.runs[1].emailSettings->accountID = "bert";
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     EXPECT_THAT(world.mailSubjects(), ElementsAre("Marrowbox · Daily summary · Photos"));
     EXPECT_EQ(world.configuration().runs[1], configuration.runs[1]);
     EXPECT_EQ(world.configuration().runs[2], configuration.runs[2]);
@@ -118,8 +114,7 @@ TEST(Digests, neverGoOutForAUnitThatChangedItsPolicyOrIsGone) {
     AppConfiguration configuration = twoDigests(world);
     configuration.units[0].notifications.reset();
     configuration.units.pop_back();
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     world.time.advance(2 * 3600);
     EXPECT_THAT(world.requests, IsEmpty());
     EXPECT_EQ(world.state().pendingEmails(), 3U);
@@ -130,8 +125,7 @@ TEST(Digests, leaveOutRunsThatStillGo) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units[0].notifications = NotificationPolicy::daily;
     configuration.email = test::mailToAnna();
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     world.holdSources();
     store.run(world.unit(), 0);
     world.time.advance(60);

@@ -10,8 +10,7 @@ using test::StoreWorld;
 
 TEST(EmailSettings, areKeptWhenTheyCanWork) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.saveEmail(test::mailToAnna());
     EXPECT_EQ(world.configuration().email, test::mailToAnna());
     EXPECT_EQ(world.written().email, test::mailToAnna());
@@ -19,8 +18,7 @@ TEST(EmailSettings, areKeptWhenTheyCanWork) {
 
 TEST(EmailSettings, areRefusedWithTheReasonWhenTheyCannotWork) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     EmailSettings settings = test::mailToAnna();
     settings.recipient = "nobody";
     EXPECT_EQ(test::thrown<BackupError>([&] { store.saveEmail(settings); }),
@@ -34,8 +32,7 @@ TEST(EmailSettings, areRefusedWithTheReasonWhenTheyCannotWork) {
 
 TEST(EmailSettings, goBackToTheOldOnesWhenTheyCannotBeWritten) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     fs::remove(world.data / "Configuration.json");
     fs::create_directory(world.data / "Configuration.json");
     EXPECT_THROW(store.saveEmail(test::mailToAnna()), std::system_error);

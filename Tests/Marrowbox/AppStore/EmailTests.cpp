@@ -36,8 +36,7 @@ std::vector<std::optional<double>> secondsToNextAttempt(const StoreWorld& world)
 
 TEST(Emails, goOutForEachFinishedRunAndAreWrittenDown) {
     StoreWorld world;
-    world.write(unsentRuns(world, 2));
-    world.start();
+    world.startWith(unsentRuns(world, 2));
     EXPECT_THAT(world.mailSubjects(), SizeIs(2));
     EXPECT_THAT(world.mailRecipients(), Each("anna@example.org"));
     for (const RunRecord& run : world.configuration().runs) {
@@ -119,8 +118,7 @@ TEST(Emails, goByTheSettingsThatTheirRunsBeganWith) {
     configuration.runs[1].emailSettings.reset();
     configuration.email = test::mailToAnna();
     configuration.email.recipient = "carl@example.org";
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     EXPECT_THAT(world.mailRecipients(), ElementsAre("bert@example.org", "carl@example.org"));
 }
 
@@ -129,8 +127,7 @@ TEST(Emails, ofSettingsThatAreDisabledWaitInSilence) {
     AppConfiguration configuration = unsentRuns(world, 1);
     configuration.runs[0].emailSettings->provider = EmailProvider::disabled;
     configuration.email = test::mailToAnna();
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     world.time.advance(300);
     EXPECT_THAT(world.requests, IsEmpty());
     EXPECT_EQ(world.configuration().runs, configuration.runs);
@@ -169,8 +166,7 @@ TEST(Emails, ofARunGoOutAtItsEnd) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.email = test::mailToAnna();
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(), 0);
     world.time.settle();
     EXPECT_TRUE(world.lastRun().emailSent);
@@ -225,8 +221,7 @@ TEST(Emails, areAskedForAgainDuringAPassWithoutASecondOne) {
 
 TEST(Emails, areAskedForAgainAndWrittenDownAlsoWhenNoneWaits) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     const fs::path file = world.data / "Configuration.json";
     fs::remove(file);
     store.retryEmails();

@@ -54,8 +54,7 @@ TEST(Runs, thatTheUserStartedAndThatFailAreRepeatedSoonWhereThereIsASchedule) {
 
 TEST(Runs, whoseRecordCannotBeWrittenDoNotBegin) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     const AppConfiguration before = world.configuration();
     fs::remove(world.data / "Configuration.json");
     fs::create_directory(world.data / "Configuration.json");
@@ -69,11 +68,8 @@ TEST(Runs, whoseRecordCannotBeWrittenDoNotBegin) {
 
 TEST(Runs, thatCannotBeWrittenDownAtTheirEndSayItAndEnd) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
-    world.holdSources();
-    store.run(world.unit(), 0);
-    world.time.settle();
+    world.startWith(test::oneUnit(world));
+    world.startHeldRun();
     const fs::path file = world.data / "Configuration.json";
     const fs::path kept = world.home / "kept.json";
     fs::rename(file, kept);
@@ -93,8 +89,7 @@ TEST(Runs, standAlthoughTheHistoryCannotBeCleanedUp) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units[0].retentionDays = 1;
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(), 0);
     world.time.settle();
     const fs::path objects = BackupRepository(world.disk, world.unit().id).root() / "Objects";
@@ -112,8 +107,7 @@ TEST(Runs, standAlthoughTheHistoryCannotBeCleanedUp) {
 
 TEST(Runs, ofARepositoryThatAnotherProgramWorksOnFailInItsWordsAndTryAgain) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     {
         const RepositoryLock busy = BackupRepository(world.disk, world.unit().id).lock();
         store.run(world.unit(), 0);
@@ -133,8 +127,7 @@ TEST(Runs, thatFailWithAFileNameOfAnyBytesAreWrittenDown) {
     world.desktop.resolutionFailures["the disk"] =
         std::make_exception_ptr(BackupError("open /media/B\xFC"
                                             "cher: No such file or directory"));
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(), 0);
     world.time.settle();
     EXPECT_EQ(world.lastRun().detail, "open /media/B\uFFFD"

@@ -16,8 +16,7 @@ using Result = test::ScriptedMachine::Result;
 
 /// A unit with one snapshot, and nothing under way.
 AppStore& startWithSnapshot(StoreWorld& world) {
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.run(world.unit(), 0);
     world.time.advance(5);
     world.desktop.forget();

@@ -13,8 +13,7 @@ using testing::SizeIs;
 namespace {
 
 AppStore& startWithSnapshot(StoreWorld& world) {
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.run(world.unit(), 0);
     world.time.advance(5);
     world.desktop.forget();

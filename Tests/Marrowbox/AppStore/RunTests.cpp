@@ -10,8 +10,7 @@ using testing::ElementsAre;
 
 TEST(Runs, makeASnapshotWriteItDownAndLookForward) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.run(world.unit(), 0);
     EXPECT_EQ(*world.state().activeUnitID, world.unit().id);
     EXPECT_EQ(*world.state().progress, "Preparing snapshot…");
@@ -29,11 +28,8 @@ TEST(Runs, makeASnapshotWriteItDownAndLookForward) {
 
 TEST(Runs, thatAreCancelledGoOnAtTheNextRegularTime) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
-    world.holdSources();
-    store.run(world.unit(), 0);
-    world.time.settle();
+    AppStore& store = world.startWith(test::oneUnit(world));
+    world.startHeldRun();
     EXPECT_THAT(world.desktop.activities(), ElementsAre("Finishing a Google Drive backup"));
     store.cancelBackup();
     world.time.settle();
@@ -47,13 +43,10 @@ TEST(Runs, thatAreCancelledGoOnAtTheNextRegularTime) {
 
 TEST(Runs, thatAreCancelledLeaveEarlierSnapshotsInPlace) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.run(world.unit(), 0);
     world.time.settle();
-    world.holdSources();
-    store.run(world.unit(), 0);
-    world.time.settle();
+    world.startHeldRun();
     store.cancelBackup();
     world.time.settle();
     EXPECT_EQ(world.lastRun().outcome, RunOutcome::cancelled);
@@ -65,8 +58,7 @@ TEST(Runs, rememberHowTheyAreToBeMailed) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.email = test::mailToAnna();
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     world.holdSources();
     store.run(world.unit(), 0);
     EXPECT_TRUE(world.lastRun().notify);
@@ -80,8 +72,7 @@ TEST(Runs, ofAUnitThatWantsNoMailAreNotMailed) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.email = test::mailToAnna();
     configuration.units[0].notifications = NotificationPolicy::off;
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(), 0);
     world.time.advance(60);
     EXPECT_FALSE(world.lastRun().notify);
@@ -91,8 +82,7 @@ TEST(Runs, ofAUnitThatWantsNoMailAreNotMailed) {
 
 TEST(Runs, madeWhileMailWasDisabledAreNeverMailed) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.run(world.unit(), 0);
     world.time.settle();
     EXPECT_FALSE(world.lastRun().notify);
@@ -106,8 +96,7 @@ TEST(Runs, keepTheirRecordWhenTheirUnitIsGoneAtTheEnd) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.email = test::mailToAnna();
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     const SyncUnit unit = world.unit();
     store.removeUnit(unit);
     store.run(unit, 0);
@@ -119,11 +108,8 @@ TEST(Runs, keepTheirRecordWhenTheirUnitIsGoneAtTheEnd) {
 
 TEST(Runs, goOnWithTheUnitThatTheyBeganWith) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
-    world.holdSources();
-    store.run(world.unit(), 0);
-    world.time.settle();
+    AppStore& store = world.startWith(test::oneUnit(world));
+    world.startHeldRun();
     SyncUnit changed = world.unit();
     changed.destinationPath = world.home / "Elsewhere";
     changed.schedule.frequency = ScheduleFrequency::hourly;
@@ -136,8 +122,7 @@ TEST(Runs, goOnWithTheUnitThatTheyBeganWith) {
 
 TEST(Runs, tellWhatTheyAreDoing) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     std::vector<std::string> lines;
     QObject::connect(&store, &AppStore::changed, [&](StoreField field) {
         if (field == StoreField::progress)
@@ -155,8 +140,7 @@ TEST(Runs, areStartedFromTheEndOfTheOneBefore) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.push_back(test::dailyUnit(world, "Photos"));
     BackupRepository(world.disk, configuration.units[1].id).initialize();
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     QObject::connect(&store, &AppStore::changed, [&](StoreField field) {
         if (field == StoreField::activeUnitID && !*world.state().activeUnitID &&
             world.configuration().runs.size() == 1)
@@ -174,8 +158,7 @@ TEST(Runs, areOneAtATime) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.push_back(test::dailyUnit(world, "Photos"));
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     world.holdSources();
     store.run(world.unit(0), 0);
     store.run(world.unit(1), 0);
@@ -189,11 +172,8 @@ TEST(Runs, thatAreCancelledAreMailedByTheNextTick) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.email = test::mailToAnna();
-    world.write(configuration);
-    AppStore& store = world.start();
-    world.holdSources();
-    store.run(world.unit(), 0);
-    world.time.settle();
+    AppStore& store = world.startWith(configuration);
+    world.startHeldRun();
     store.cancelBackup();
     world.time.settle();
     EXPECT_FALSE(*world.state().activeUnitID);

@@ -34,8 +34,7 @@ TEST(Schedule, takesTheUnitThatHasWaitedLongestAndOneATick) {
     AppConfiguration configuration = twoUnits(world);
     configuration.units[0].nextRun = world.time.now() - 60;
     configuration.units[1].nextRun = world.time.now() - 120;
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     EXPECT_THAT(namesOfRuns(world), ElementsAre("Photos"));
     world.time.advance(29);
     EXPECT_THAT(namesOfRuns(world), ElementsAre("Photos"));
@@ -47,8 +46,7 @@ TEST(Schedule, takesUnitsOfTheSameTimeInTheirOrder) {
     StoreWorld world;
     AppConfiguration configuration = twoUnits(world);
     configuration.units[0].nextRun = configuration.units[1].nextRun = world.time.now() - 60;
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     world.time.advance(30);
     EXPECT_THAT(namesOfRuns(world), ElementsAre("Papers", "Photos"));
 }
@@ -59,8 +57,7 @@ TEST(Schedule, neverTakesAUnitThatIsManualOrHasNoNextRun) {
     configuration.units[0].nextRun.reset();
     configuration.units[1].schedule.frequency = ScheduleFrequency::manual;
     configuration.units[1].nextRun = world.time.now() - 60;
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     world.time.advance(2 * 86'400);
     EXPECT_THAT(namesOfRuns(world), IsEmpty());
 }
@@ -87,8 +84,7 @@ TEST(Schedule, countsNothingAsMissedWithinTheGraceTime) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units[0].nextRun = world.time.now() - 300;
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     EXPECT_FALSE(world.lastRun().missedRuns);
     EXPECT_EQ(readFile(world.data / "Configuration.json").find("missedRuns"), std::string::npos);
 }
@@ -98,8 +94,7 @@ TEST(Schedule, catchesUpOnceWhenTheMachineWakes) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units[0].schedule.frequency = ScheduleFrequency::tenMinutes;
     configuration.units[0].nextRun = world.time.now() + 60;
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     world.time.jump(3600);
     world.time.settle();
     EXPECT_THAT(namesOfRuns(world), IsEmpty()) << "nothing has told that the machine woke";
@@ -114,8 +109,7 @@ TEST(Schedule, looksAgainWhenAVolumeAppears) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units[0].nextRun = world.time.now() + 10;
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     world.time.advance(10);
     world.desktop.makeVolumeAppear();
     world.time.settle();
@@ -128,8 +122,7 @@ TEST(Schedule, startsNoRunDuringARunButSendsMail) {
     configuration.units[1].nextRun = world.time.now() + 60;
     configuration.runs = {test::mailedRun(configuration.units[0], world.time.now() - 60)};
     configuration.runs[0].nextEmailAttempt = world.time.now() + 60;
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     world.holdSources();
     store.run(world.unit(), 0);
     world.time.advance(120);
@@ -158,8 +151,7 @@ TEST(Schedule, saysAtEachTickThatRcloneIsMissing) {
 
 TEST(Schedule, endsWithTheStore) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    world.start();
+    world.startWith(test::oneUnit(world));
     world.time.settle();
     const std::weak_ptr<AppStore> store = world.store;
     world.store.reset();
@@ -170,8 +162,7 @@ TEST(Schedule, endsWithTheStore) {
 
 TEST(Schedule, writesNothingWhenNothingIsDue) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     world.time.advance(5);
     const auto before = fs::last_write_time(world.data / "Configuration.json");
     const auto folder = fs::last_write_time(world.data);
@@ -189,8 +180,7 @@ TEST(Schedule, goesOnAfterATickThatFailed) {
     configuration.units[0].nextRun = world.time.now() + 10;
     configuration.runs = {test::mailedRun(configuration.units[0], world.time.now() - 60)};
     configuration.runs[0].nextEmailAttempt = world.time.now() + 10;
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     world.zone = "Nowhere/Nothing";
     world.time.advance(30);
     EXPECT_NE(world.error(), "");

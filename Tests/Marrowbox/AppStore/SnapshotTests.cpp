@@ -18,8 +18,7 @@ AppStore& startTwoUnits(StoreWorld& world) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.push_back(test::dailyUnit(world, "Photos"));
     BackupRepository(world.disk, configuration.units[1].id).initialize();
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     for (std::size_t index = 0; index < 2; ++index) {
         store.run(world.unit(index), 0);
         world.time.settle();
@@ -38,8 +37,7 @@ std::vector<Uuid> idsOfSnapshots(const StoreWorld& world) {
 
 TEST(Snapshots, areListedNewestFirst) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     std::vector<Uuid> made;
     for (const char* const text : {"one", "two", "three"}) {
         world.source->put("Letter.txt", text, text);
@@ -96,8 +94,7 @@ TEST(Snapshots, areReadByAProgramThatMayNotWrite) {
     AppConfiguration later = world.configuration();
     later.schemaVersion = 2;
     world.end();
-    world.write(later);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(later);
     store.select(unit.id);
     world.time.settle();
     EXPECT_THAT(**world.state().snapshots, SizeIs(1));
@@ -105,8 +102,7 @@ TEST(Snapshots, areReadByAProgramThatMayNotWrite) {
 
 TEST(Destination, isThePathWhereThereIsNoBookmark) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    world.start();
+    world.startWith(test::oneUnit(world));
     EXPECT_FALSE(world.state().destinationIssue->has_value());
     EXPECT_EQ(world.desktop.count("resolveBookmark"), 0U);
 }
@@ -117,8 +113,7 @@ TEST(Destination, followsABookmarkToWhereTheDiskIsNow) {
     configuration.units[0].destinationPath = "/Volumes/Old";
     configuration.units[0].destinationBookmark.bytes = "the disk";
     world.desktop.resolutions["the disk"] = {.path = world.disk, .isStale = true};
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(), 0);
     world.time.settle();
     EXPECT_EQ(world.lastRun().outcome, RunOutcome::succeeded);
@@ -132,8 +127,7 @@ TEST(Destination, movesInTheConfigurationAlthoughTheRunKeepsTheUnitThatItBeganWi
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units[0].destinationBookmark.bytes = "the disk";
     world.desktop.resolutions["the disk"] = {.path = world.disk};
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     const fs::path moved = world.home / "Moved";
     fs::rename(world.disk, moved);
     world.desktop.resolutions["the disk"] = {.path = moved, .isStale = true};
@@ -150,8 +144,7 @@ TEST(Destination, thatCannotBeFoundFailsTheRunInItsWords) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units[0].destinationBookmark.bytes = "the disk";
     world.desktop.resolutionFailures["the disk"] = std::make_exception_ptr(BackupError("The disk is away."));
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     EXPECT_EQ(*world.state().destinationIssue, "The disk is away.");
     store.run(world.unit(), 0);
     world.time.settle();
@@ -166,8 +159,7 @@ TEST(Destination, whoseFreshBookmarkCannotBeMadeFailsTheRun) {
     configuration.units[0].destinationBookmark.bytes = "the disk";
     world.desktop.resolutions["the disk"] = {.path = world.disk, .isStale = true};
     world.desktop.makingFailure = std::make_exception_ptr(BackupError("No bookmark."));
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(), 0);
     world.time.settle();
     EXPECT_EQ(world.lastRun().detail, "No bookmark.");

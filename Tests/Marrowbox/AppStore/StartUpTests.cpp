@@ -82,8 +82,7 @@ TEST(StartUp, readsASwitchedOffUnitAsAManualOne) {
     on.isEnabled = true;
     configuration.units[0].isEnabled = false;
     configuration.units.push_back(on);
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     EXPECT_EQ(world.unit(0).schedule.frequency, ScheduleFrequency::manual);
     EXPECT_FALSE(world.unit(0).nextRun);
     EXPECT_EQ(world.unit(1).schedule, on.schedule);
@@ -95,8 +94,7 @@ TEST(StartUp, touchesNothingButTheFolderThatItIsTold) {
     StoreWorld world;
     world.environment["XDG_DATA_HOME"] = (world.home / "Share").string();
     world.environment["HOME"] = (world.home / "User").string();
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.run(world.unit(), 0);
     world.time.advance(60);
     EXPECT_FALSE(fs::exists(world.home / "Share"));
@@ -142,8 +140,7 @@ TEST(StartUp, neitherWritesNorSchedulesWhenItsFirstWriteFails) {
 
 TEST(StartUp, selectsTheFirstUnit) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    world.start();
+    world.startWith(test::oneUnit(world));
     EXPECT_EQ(*world.state().selectedUnitID, world.unit().id);
     EXPECT_EQ(world.state().credentialProject->c_str(), std::string("Bundled project"));
 }
@@ -209,8 +206,7 @@ TEST(StartUp, mailsARunThatACrashInterruptedLikeAnyOther) {
     AppConfiguration configuration = test::oneUnit(world);
     configuration.runs = {runningRecord(configuration.units[0], world.time.now() - 3600)};
     configuration.runs[0].emailSettings = test::mailToAnna();
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
     EXPECT_THAT(world.mailSubjects(), ElementsAre("Marrowbox · Snapshot interrupted · Papers"));
     EXPECT_TRUE(world.lastRun().emailSent);
 }
@@ -219,8 +215,7 @@ TEST(StartUp, startsNoRunAndSavesNoSettingsWhenNothingMayBeWritten) {
     StoreWorld world;
     AppConfiguration later = test::oneUnit(world);
     later.schemaVersion = 2;
-    world.write(later);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(later);
     store.dismissError();
     store.run(world.unit(), 0);
     world.time.settle();

@@ -96,8 +96,7 @@ void begin(StoreWorld& world, const std::string& zone, sys_seconds at, BackupSch
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units[0].schedule = schedule;
     configuration.units[0].nextRun = schedule.next(world.time.now(), Calendar(zone, "en_US"));
-    world.write(configuration);
-    world.start();
+    world.startWith(configuration);
 }
 
 std::string clockIn(const std::string& zone, Date at) {

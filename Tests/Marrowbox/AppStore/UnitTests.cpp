@@ -14,8 +14,7 @@ TEST(Units, thatAreNewGetTheirRepositoryAndTheirFirstBackupAtOnce) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.clear();
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     const SyncUnit unit = test::dailyUnit(world);
     world.finish(store.addUnit(unit, world.disk));
     EXPECT_EQ(*world.state().selectedUnitID, unit.id);
@@ -29,11 +28,8 @@ TEST(Units, thatAreNewGetTheirRepositoryAndTheirFirstBackupAtOnce) {
 
 TEST(Units, thatAreNewWaitWhileAnotherIsBackedUp) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
-    world.holdSources();
-    store.run(world.unit(), 0);
-    world.time.settle();
+    AppStore& store = world.startWith(test::oneUnit(world));
+    world.startHeldRun();
     world.finish(store.addUnit(test::dailyUnit(world, "Photos"), world.disk));
     EXPECT_THAT(world.written().units, SizeIs(2));
     EXPECT_THAT(world.configuration().runs, SizeIs(1));
@@ -43,8 +39,7 @@ TEST(Units, thatAreNewWaitWhileAnotherIsBackedUp) {
 TEST(Units, areNotAddedWhereTheirRepositoryCannotBe) {
     StoreWorld world;
     const AppConfiguration configuration = test::oneUnit(world);
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     EXPECT_ANY_THROW(world.finish(store.addUnit(test::dailyUnit(world), world.home / "Nowhere")));
     EXPECT_EQ(world.configuration(), configuration);
 }
@@ -53,8 +48,7 @@ TEST(Units, areRefusedByAProgramThatMayNotWrite) {
     StoreWorld world;
     AppConfiguration later = test::oneUnit(world);
     later.schemaVersion = 2;
-    world.write(later);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(later);
     const SyncUnit unit = test::dailyUnit(world);
     try {
         world.finish(store.addUnit(unit, world.disk));
@@ -67,8 +61,7 @@ TEST(Units, areRefusedByAProgramThatMayNotWrite) {
 
 TEST(Units, keepTheirNextRunUnlessTheirScheduleChanges) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     SyncUnit unit = world.unit();
     const auto nextRun = unit.nextRun;
     unit.name = "Letters";
@@ -86,8 +79,7 @@ TEST(Units, keepTheirNextRunUnlessTheirScheduleChanges) {
 
 TEST(Units, thatNobodyKnowsAreNotUpdated) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     const AppConfiguration before = world.configuration();
     store.updateUnit(test::dailyUnit(world, "Photos"));
     EXPECT_EQ(world.configuration(), before);
@@ -98,8 +90,7 @@ TEST(Units, leaveTheSelectionToTheFirstThatRemains) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.insert(configuration.units.begin(), test::dailyUnit(world, "Photos"));
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(1), 0);
     world.time.settle();
     store.select(world.unit(1).id);
@@ -118,8 +109,7 @@ TEST(Units, leaveTheSelectionToTheFirstThatRemains) {
 
 TEST(Units, leaveTheirRepositoryAndTheirRunsBehind) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.run(world.unit(), 0);
     world.time.settle();
     const Uuid id = world.unit().id;
@@ -131,8 +121,7 @@ TEST(Units, leaveTheirRepositoryAndTheirRunsBehind) {
 
 TEST(Units, areNotRemovedDuringTheirBackup) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     world.holdSources();
     store.run(world.unit(), 0);
     store.removeUnit(world.unit());
@@ -143,8 +132,7 @@ TEST(Units, areNotRemovedDuringTheirBackup) {
 
 TEST(Units, showNothingOfTheUnitThatWasShownBefore) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     store.run(world.unit(), 0);
     world.time.settle();
     ASSERT_THAT(**world.state().snapshots, SizeIs(1));
@@ -177,8 +165,7 @@ TEST(Units, areKeptInAFolderWhoseNameIsOfAnyBytes) {
 
 TEST(Units, keepTheirChangeInMemoryWhenItCannotBeWritten) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(test::oneUnit(world));
     fs::remove(world.data / "Configuration.json");
     fs::create_directory(world.data / "Configuration.json");
     SyncUnit unit = world.unit();

@@ -123,8 +123,7 @@ TEST(History, neverShowsARowOfTheUnitBefore) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.push_back(test::dailyUnit(world, "Photos"));
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(), 0);
     world.time.settle();
     UnitPageModel model(world.store);

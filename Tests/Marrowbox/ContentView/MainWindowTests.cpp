@@ -36,8 +36,7 @@ AppConfiguration threeUnits(StoreWorld& world) {
 
 TEST(MainWindow, listsTheUnitsInTheirOrderAndSaysWhichCannotRun) {
     StoreWorld world;
-    world.write(threeUnits(world));
-    world.start();
+    world.startWith(threeUnits(world));
     MainWindowModel window(world.store);
     const UnitListModel& units = *window.units();
     EXPECT_THAT(column(units, UnitListModel::name), ElementsAre("Papers", "Photos", "Team"));
@@ -52,8 +51,7 @@ TEST(MainWindow, listsTheUnitsInTheirOrderAndSaysWhichCannotRun) {
 
 TEST(MainWindow, keepsItsRowsWhenOneIsAddedRemovedOrRenamed) {
     StoreWorld world;
-    world.write(threeUnits(world));
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(threeUnits(world));
     MainWindowModel window(world.store);
     UnitListModel& units = *window.units();
     const QAbstractItemModelTester tester(&units, QAbstractItemModelTester::FailureReportingMode::Fatal);
@@ -75,8 +73,7 @@ TEST(MainWindow, keepsItsRowsWhenOneIsAddedRemovedOrRenamed) {
 
 TEST(MainWindow, selectsAUnitByItsRowAndTakesItsColour) {
     StoreWorld world;
-    world.write(threeUnits(world));
-    world.start();
+    world.startWith(threeUnits(world));
     MainWindowModel window(world.store);
     EXPECT_EQ(window.units()->selectedRow(), 0);
     EXPECT_EQ(window.accent(), "blue");
@@ -101,8 +98,7 @@ TEST(MainWindow, hasNoUnitToShowOnAFirstStart) {
 
 TEST(MainWindow, keepsTheMountBannerUntilAPassClearsIt) {
     StoreWorld world;
-    world.write(test::oneUnit(world));
-    world.start();
+    world.startWith(test::oneUnit(world));
     world.time.advance(1);
     MainWindowModel window(world.store);
     EXPECT_EQ(window.mountIssue(), "");

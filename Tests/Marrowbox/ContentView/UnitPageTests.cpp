@@ -271,8 +271,7 @@ TEST(UnitPage, closesWhatWasOpenedWhenAnotherUnitIsSelected) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.push_back(test::dailyUnit(world, "Photos"));
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     UnitPageModel model(world.store);
     model.setConfirmsRemove(true);
     model.setShowsActivity(true);
@@ -295,8 +294,7 @@ TEST(UnitPage, doesNotCallAHistoryEmptyBeforeItHasBeenRead) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);
     configuration.units.push_back(test::dailyUnit(world, "Photos"));
-    world.write(configuration);
-    AppStore& store = world.start();
+    AppStore& store = world.startWith(configuration);
     store.run(world.unit(), 0);
     world.time.settle();
     store.select(world.unit(1).id);

@@ -21,11 +21,7 @@ struct Program : testing::Test {
         world.write(test::oneUnit(world));
         quitting = std::make_unique<Quitting>(world.start().shared_from_this(), [this] { hasEnded = true; });
     }
-    void backUp() {
-        world.holdSources();
-        world.store->run(world.unit(), 0);
-        world.time.settle();
-    }
+    void backUp() { world.startHeldRun(); }
 };
 
 } // namespace

@@ -142,6 +142,11 @@ AppStore& StoreWorld::start() {
     return *store;
 }
 
+AppStore& StoreWorld::startWith(const AppConfiguration& configuration) {
+    write(configuration);
+    return start();
+}
+
 void StoreWorld::end() {
     store.reset();
     // Whatever holds a timer goes before the context that it waits on.
@@ -168,6 +173,12 @@ void StoreWorld::letSourcesGo() {
     sourcesAreHeld_ = false;
     if (sourceGate_)
         sourceGate_->cancel();
+    time.settle();
+}
+
+void StoreWorld::startHeldRun() {
+    holdSources();
+    store->run(unit(), 0);
     time.settle();
 }
 

@@ -57,6 +57,8 @@ class StoreWorld {
 
     /// Starts the program and lets its start come to its end.
     AppStore& start();
+    /// Starts it on this configuration.
+    AppStore& startWith(const AppConfiguration& configuration);
     /// Starts it without letting any work run.
     AppStore& begin();
     /// Ends the program as a kill would: nothing of it goes on.
@@ -67,6 +69,8 @@ class StoreWorld {
     /// From now on sources wait before they list, until they are let go or their run is cancelled.
     void holdSources() { sourcesAreHeld_ = true; }
     void letSourcesGo();
+    /// Starts a run of the first unit that waits before it lists, with a source that is held.
+    void startHeldRun();
 
     const AppState& state() const { return store->state(); }
     const AppConfiguration& configuration() const { return *state().configuration; }
