@@ -27,19 +27,21 @@ bool needsLook(std::uint64_t eight) {
     return ((eight | below | (quote - everyByte(1)) | (backslash - everyByte(1))) & high) != 0;
 }
 
-/// How many bytes from the start can be copied as they are.
-std::size_t plainLength(std::string_view text) {
+/// Copies what needs no escape at the start, and says how many bytes that is.
+std::size_t copyPlain(std::string_view text, char* to) {
     std::size_t position = 0;
     for (; position + 8 <= text.size(); position += 8) {
         std::uint64_t eight = 0;
         std::memcpy(&eight, text.data() + position, 8);
         if (needsLook(eight))
             break;
+        std::memcpy(to + position, &eight, 8);
     }
     for (; position < text.size(); ++position) {
         const auto byte = static_cast<unsigned char>(text[position]);
         if (byte < 0x20 || byte >= 0x80 || byte == '"' || byte == '\\')
             break;
+        to[position] = text[position];
     }
     return position;
 }
@@ -116,8 +118,8 @@ void JSONWriter::close(char bracket) {
 void JSONWriter::text(std::string_view value) {
     append("\"");
     while (true) {
-        const std::size_t plain = plainLength(value);
-        append(value.substr(0, plain));
+        const std::size_t plain = copyPlain(value, room(value.size()));
+        used_ += plain;
         value.remove_prefix(plain);
         if (value.empty())
             break;
@@ -179,7 +181,9 @@ std::string JSONWriter::take() {
 }
 
 void JSONWriter::flush() {
-    writeAll(*file_, {buffer_.get(), std::exchange(used_, 0)});
+    writeAll(*file_, {buffer_.get(), used_});
+    startWriting(*file_, flushed_, used_);
+    flushed_ += std::exchange(used_, 0);
 }
 
 void JSONWriter::makeRoom(std::size_t count) {

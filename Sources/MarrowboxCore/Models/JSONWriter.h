@@ -3,6 +3,8 @@
 #include "Models/JSONRecords.h"
 #include "Platform/Descriptor.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <memory>
@@ -15,6 +17,19 @@ namespace marrowbox {
 /// Pretty is for files that a person may read: two blanks a level, one member a line. Compact has no white
 /// space.
 enum class JSONStyle { pretty, compact };
+
+/// The name of a member as JSONWriter::key takes it: with its quotes, a colon and a blank.
+template <std::size_t length>
+consteval std::array<char, length + 4> memberName(const char* name) {
+    std::array<char, length + 4> written{'"'};
+    std::copy_n(name, length, written.begin() + 1);
+    std::copy_n("\": ", 3, written.begin() + 1 + length);
+    return written;
+}
+template <std::size_t size>
+consteval auto memberName(const char (&name)[size]) {
+    return memberName<size - 1>(static_cast<const char*>(name));
+}
 
 /// A value that JSON cannot say: a text that is not UTF-8, or a number that is not finite.
 class JSONEncodingError : public std::runtime_error {
@@ -29,14 +44,16 @@ class JSONWriter {
 
     void open(char bracket);
     void close(char bracket);
-    /// Begins a member; the literal is the name with its quotes, and needs no escape.
-    void key(std::string_view literal) {
-        separate(literal.size());
-        append(literal);
-        colon();
+    /// Begins a member of this memberName, which needs no escape.
+    template <std::size_t length>
+    void key(const std::array<char, length>& name) {
+        // Copies of a length known to the compiler take no call, and hardly anything is written more often.
+        char* to = startMember(length);
+        std::memcpy(to, name.data(), length);
+        used_ += length - (style_ == JSONStyle::pretty ? 0 : 1);
     }
     void colon() { append(style_ == JSONStyle::pretty ? std::string_view(": ") : std::string_view(":")); }
-    void element() { separate(); }
+    void element() { startMember(0); }
 
     void text(std::string_view value);
     /// A text of characters that are known to need no escape.
@@ -54,7 +71,8 @@ class JSONWriter {
     std::string_view written() const { return {buffer_.get(), used_}; }
     /// Forgets what was written and keeps the place in the text, to write on from there.
     void clear() { used_ = 0; }
-    /// Empties the buffer into the file.
+    /// Empties the buffer into the file, which the system begins at once to write to its storage: what goes
+    /// into a file is to last, and the disk need not wait for the end of it.
     void flush();
 
   private:
@@ -68,14 +86,16 @@ class JSONWriter {
         std::memcpy(room(bytes.size()), bytes.data(), bytes.size());
         used_ += bytes.size();
     }
-    /// Begins the next member, with room for so many bytes more.
-    void separate(std::size_t more = 0) {
+    /// Begins the next member, and says where so many bytes more may go.
+    char* startMember(std::size_t more) {
         char* to = room(1 + indentation() + widest + more);
         char* const start = to;
         if (!isFirst_)
             *to++ = ',';
         isFirst_ = false;
-        used_ += static_cast<std::size_t>(startLine(to) - start);
+        to = startLine(to);
+        used_ += static_cast<std::size_t>(to - start);
+        return to;
     }
     /// How many bytes a new line takes with the blanks that begin it.
     std::size_t indentation() const { return style_ == JSONStyle::pretty ? 1 + 2 * depth_ : 0; }
@@ -101,6 +121,7 @@ class JSONWriter {
     std::unique_ptr<char[]> buffer_;
     std::size_t capacity_ = 0;
     std::size_t used_ = 0;
+    std::size_t flushed_ = 0;
     std::size_t depth_ = 0;
     bool isFirst_ = true; ///< Of the members of the innermost object or list.
 };
@@ -110,18 +131,6 @@ void writeJSON(JSONWriter& writer, const Value& value);
 
 namespace json {
 
-/// A field's name with its quotes, made once at compile time.
-template <typename Descriptor>
-struct QuotedName {
-    static constexpr std::size_t length = std::char_traits<char>::length(Descriptor::name);
-    static constexpr auto text = [] {
-        std::array<char, length + 2> quoted{};
-        quoted.front() = quoted.back() = '"';
-        std::copy_n(Descriptor::name, length, quoted.begin() + 1);
-        return quoted;
-    }();
-};
-
 template <typename Record, std::size_t Position>
 void writeField(JSONWriter& writer, const Record& record) {
     using Field = boost::mp11::mp_at_c<DescribedFields<Record>, Position>;
@@ -129,7 +138,8 @@ void writeField(JSONWriter& writer, const Record& record) {
     if constexpr (isOptional<std::remove_cvref_t<decltype(value)>>)
         if (!value)
             return;
-    writer.key({QuotedName<Field>::text.data(), QuotedName<Field>::text.size()});
+    static constexpr auto name = memberName<std::char_traits<char>::length(Field::name)>(Field::name);
+    writer.key(name);
     if constexpr (isOptional<std::remove_cvref_t<decltype(value)>>)
         writeJSON(writer, *value);
     else

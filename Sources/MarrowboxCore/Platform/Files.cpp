@@ -165,9 +165,11 @@ void synchronizeFolder(const fs::path& path) {
         throwSystemError("fsync", path);
 }
 
-void startWriting([[maybe_unused]] const Descriptor& file) noexcept {
+void startWriting([[maybe_unused]] const Descriptor& file, [[maybe_unused]] std::size_t from,
+                  [[maybe_unused]] std::size_t count) noexcept {
 #ifdef __linux__
-    ::sync_file_range(file.number(), 0, 0, SYNC_FILE_RANGE_WRITE);
+    ::sync_file_range(file.number(), static_cast<off_t>(from), static_cast<off_t>(count),
+                      SYNC_FILE_RANGE_WRITE);
 #endif
 }
 

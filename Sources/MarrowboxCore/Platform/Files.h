@@ -61,9 +61,9 @@ void synchronizeFile(const fs::path& path);
 /// its own promise, and is no failure.
 void synchronizeFolder(const fs::path& path);
 
-/// Asks the system to begin writing the file to its storage, without waiting. A hint: nothing is promised,
-/// and nothing fails.
-void startWriting(const Descriptor& file) noexcept;
+/// Asks the system to begin writing so many bytes of the file to its storage, all from there on when it is
+/// 0, without waiting. A hint: nothing is promised, and nothing fails.
+void startWriting(const Descriptor& file, std::size_t from = 0, std::size_t count = 0) noexcept;
 
 /// mkdir(2) with exactly this mode, whatever the umask. An existing path is a failure.
 void makeDirectory(const fs::path& path, mode_t mode);

@@ -8,21 +8,21 @@ namespace {
 
 void writeEntry(JSONWriter& writer, const MountEntry& entry) {
     writer.open('{');
-    writer.key("\"id\"");
+    writer.key(memberName("id"));
     writer.plainText(entry.id.text());
-    writer.key("\"unitID\"");
+    writer.key(memberName("unitID"));
     writer.plainText(entry.unitID.text());
-    writer.key("\"displayName\"");
+    writer.key(memberName("displayName"));
     writer.text(entry.displayName);
-    writer.key("\"workingDirectory\"");
+    writer.key(memberName("workingDirectory"));
     writer.text(entry.workingDirectory.text);
-    writer.key("\"image\"");
+    writer.key(memberName("image"));
     writer.text(entry.image.text);
     if (entry.volume) {
-        writer.key("\"volume\"");
+        writer.key(memberName("volume"));
         writer.text(entry.volume->text);
     }
-    writer.key("\"phase\"");
+    writer.key(memberName("phase"));
     writer.plainText(enumerationName(entry.phase));
     writer.close('}');
 }
@@ -32,9 +32,9 @@ void writeEntry(JSONWriter& writer, const MountEntry& entry) {
 std::string encodeMountRegistry(const MountRegistry& registry) {
     JSONWriter writer(JSONStyle::compact);
     writer.open('{');
-    writer.key("\"version\"");
+    writer.key(memberName("version"));
     writer.integer(registry.version);
-    writer.key("\"entries\"");
+    writer.key(memberName("entries"));
     writer.open('[');
     for (const MountEntry& entry : registry.entries) {
         writer.element();
