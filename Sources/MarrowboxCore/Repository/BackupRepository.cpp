@@ -60,8 +60,8 @@ void BackupRepository::initialize() const {
     for (const char* name : folderNames)
         makeDirectory(root_ / name, 0700);
     // Snapshots on stable storage are worth nothing in a repository whose identity a power cut took.
-    synchronizeFolder(root_);
-    synchronizeFolder(root_.parent_path());
+    for (const fs::path& folder : {root_, root_.parent_path(), root_.parent_path().parent_path()})
+        synchronizeFolder(folder);
 }
 
 void BackupRepository::validate() const {
