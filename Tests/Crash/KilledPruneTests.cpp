@@ -95,8 +95,11 @@ TEST_F(KilledPrune, leavesAWholeHistoryWhereverItIsKilled) {
 
 TEST_F(KilledPrune, isMadeUpForBeforeAnObjectGoes) {
     // The manifest's removal did not reach stable storage.
+    bool isRemoved = false;
     const int status = prune(before, [&](const FileCall& call) {
-        return call.name == "fsync" && call.path == snapshots(before) ? Answer::kill() : Answer::proceed();
+        isRemoved = isRemoved || removes(call, snapshots(before));
+        const bool keeps = call.name == "fsync" && call.path == snapshots(before);
+        return isRemoved && keeps ? Answer::kill() : Answer::proceed();
     });
     ASSERT_TRUE(WIFSIGNALED(status));
     before.expectHistory({2});

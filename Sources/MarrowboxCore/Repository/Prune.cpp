@@ -117,6 +117,9 @@ void BackupRepository::prune(Date olderThan) const {
         return;
     ParallelWork workers;
     const ObjectSet kept = provenObjects(retainedEntries(items, olderThan), objectPaths(), workers);
+    // A run that was killed may have left a manifest whose name does not last yet. It must not be lost when
+    // the ones that it outdates are gone.
+    synchronizeFolder(snapshotsFolder());
     for (const Item& item : items)
         if (!isRetained(items, item, olderThan))
             removeFile(manifest(item.id));
