@@ -141,6 +141,9 @@ void CredentialFileStore::Access::write(const CredentialDocument& document) cons
     const std::string text = encodeJSON(document, JSONStyle::compact);
     TemporaryCredentialFile file(directory, calls);
     file.write(text);
+    // The first credential may be the first thing in a new folder, whose own name has to reach the disk.
+    if (!linkStatus(credentialFile(directory)))
+        synchronizeFolder(directory.parent_path());
     file.replace(credentialFile(directory));
     // The rename too has to reach the disk. From here on the new file is in place, whatever happens.
     const Descriptor folder(calls.open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
