@@ -1,30 +1,16 @@
 #include "Job.h"
 
 #include "Credentials/AppCredentials.h"
+#include "GeneratedBackup.h"
 #include "Models/BackupError.h"
 #include "Program/GeneratedSource.h"
-#include "Repository/BackupEngine.h"
-#include "Support/Coroutine.h"
 
-#include <boost/asio/thread_pool.hpp>
 #include <gtest/gtest.h>
 #include <set>
 
 namespace marrowbox::test {
 
 namespace {
-
-BackupRepository repositoryOf(const fs::path& destination) {
-    return BackupRepository(destination, generatedUnit().id);
-}
-
-void backUp(const fs::path& destination, int generation) {
-    asio::thread_pool threads(2);
-    BackupEngine engine(threads.get_executor(), systemClock());
-    await(engine.run(
-        generatedUnit(), destination, std::make_shared<GeneratedSource>(generation),
-        [](std::string) -> asio::awaitable<void> { co_return; }, std::stop_token()));
-}
 
 void makeNothing(const fs::path&) {
 }
@@ -47,16 +33,6 @@ void expectWholeObjects(const fs::path& destination, const Snapshot& snapshot) {
             EXPECT_TRUE(readFile(repositoryOf(destination).objectURL(*entry->objectHash)) ==
                         generatedFile(entry->source).content)
                 << entry->source.path;
-}
-
-void expectRestored(const Snapshot& snapshot, const fs::path& folder) {
-    for (const auto& entry : snapshot.entries) {
-        const fs::path path = folder / entry->source.path.view();
-        if (entry->source.isDirectory)
-            EXPECT_TRUE(fs::is_directory(path)) << path;
-        else
-            EXPECT_TRUE(readFile(path) == generatedFile(entry->source).content) << path;
-    }
 }
 
 /// The repository can be made and used. What a stop left half made is refused from then on, since nobody can

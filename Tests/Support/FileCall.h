@@ -14,6 +14,7 @@ struct FileCall {
     std::string_view name;
     std::filesystem::path path;   ///< What it changes; absolute, links not followed.
     std::filesystem::path target; ///< Where it moves or links that to; empty for every other call.
+    bool wasHeld = false;         ///< It is asked about again, after it has waited.
 
     bool isWithin(const std::filesystem::path& folder) const;
 };

@@ -24,6 +24,9 @@ namespace marrowbox::test {
 
 namespace {
 
+/// After so long without a call, threads that are at work would have made one.
+constexpr int quietMilliseconds = 2;
+
 class WatchingRefused : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -143,12 +146,15 @@ WatchedProgram::~WatchedProgram() {
 int WatchedProgram::run(const std::function<Answer(const FileCall&)>& decide) {
     std::array<pollfd, 2> waits{pollfd{calls_.number(), POLLIN, 0}, pollfd{process_.number(), POLLIN, 0}};
     while (true) {
-        if (::poll(waits.data(), waits.size(), -1) < 0 && errno != EINTR)
+        const int ready = ::poll(waits.data(), waits.size(), held_.empty() ? -1 : quietMilliseconds);
+        if (ready < 0 && errno != EINTR)
             throwError("poll");
         if ((waits[1].revents & POLLIN) != 0)
             return status();
         if ((waits[0].revents & POLLIN) != 0)
             answerNext(decide);
+        else if (ready == 0)
+            answerHeld(decide);
     }
 }
 
@@ -159,7 +165,20 @@ void WatchedProgram::answerNext(const std::function<Answer(const FileCall&)>& de
             return;
         throwError("receive a call");
     }
-    const std::optional<FileCall> call = readFileCall(question.data, static_cast<pid_t>(question.pid));
+    ask(question, false, decide);
+}
+
+void WatchedProgram::answerHeld(const std::function<Answer(const FileCall&)>& decide) {
+    const seccomp_notif question = held_.front();
+    held_.pop_front();
+    ask(question, true, decide);
+}
+
+void WatchedProgram::ask(const seccomp_notif& question, bool wasHeld,
+                         const std::function<Answer(const FileCall&)>& decide) {
+    std::optional<FileCall> call = readFileCall(question.data, static_cast<pid_t>(question.pid));
+    if (call)
+        call->wasHeld = wasHeld;
     reply(question, call ? decide(*call) : Answer::proceed());
 }
 
@@ -169,6 +188,9 @@ void WatchedProgram::reply(const seccomp_notif& question, Answer answer) {
     switch (answer.kind_) {
     case Answer::Kind::kill:
         ::kill(child_, SIGKILL);
+        return;
+    case Answer::Kind::whenQuiet:
+        held_.push_back(question);
         return;
     case Answer::Kind::fail:
         response.error = -answer.error_;

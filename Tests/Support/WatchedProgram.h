@@ -3,6 +3,7 @@
 #include "Platform/Descriptor.h"
 #include "Support/FileCall.h"
 
+#include <deque>
 #include <functional>
 #include <linux/seccomp.h>
 #include <optional>
@@ -22,10 +23,13 @@ class Answer {
     static Answer fail(int error) { return Answer(Kind::fail, error); }
     /// A write of several bytes writes the first half of them; any other call takes place.
     static Answer writeHalf() { return Answer(Kind::writeHalf, 0); }
+    /// The call waits until no other thread has asked for anything for a moment, and is then asked about
+    /// again. What the other threads did meanwhile did not need it.
+    static Answer whenQuiet() { return Answer(Kind::whenQuiet, 0); }
 
   private:
     friend class WatchedProgram;
-    enum class Kind { proceed, kill, fail, writeHalf };
+    enum class Kind { proceed, kill, fail, writeHalf, whenQuiet };
     Answer(Kind kind, int error) : kind_(kind), error_(error) {}
 
     Kind kind_;
@@ -56,12 +60,16 @@ class WatchedProgram {
 
   private:
     void answerNext(const std::function<Answer(const FileCall&)>& decide);
+    void answerHeld(const std::function<Answer(const FileCall&)>& decide);
+    void ask(const seccomp_notif& question, bool wasHeld,
+             const std::function<Answer(const FileCall&)>& decide);
     void reply(const seccomp_notif& question, Answer answer);
     /// Writes in the program's place. Gives the number of bytes, 0 when this call is no such write.
     std::size_t writeHalf(const seccomp_notif& question);
     int status();
 
     pid_t child_ = -1;
+    std::deque<seccomp_notif> held_;
     Descriptor process_;
     Descriptor calls_;
     Descriptor errors_;

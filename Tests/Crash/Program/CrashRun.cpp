@@ -2,9 +2,11 @@
 /// marrowbox-crash-run DESTINATION JOB. A number backs up a generated source of this generation, "prune"
 /// removes all snapshots but the latest, "initialize" makes the repository, "restore" restores the latest
 /// snapshot into the destination's folder Restored, "credential" saves a credential in its folder
-/// Credentials. Ends with 0 when the job is done, and with 3 and the failure's words when it refused.
+/// Credentials, "mount" mounts the latest snapshot and ejects it again. Ends with 0 when the job is done, and
+/// with 3 and the failure's words when it refused.
 
 #include "Program/GeneratedSource.h"
+#include "Program/MountedBackup.h"
 
 #include "Credentials/AppCredentials.h"
 #include "Repository/BackupEngine.h"
@@ -60,6 +62,8 @@ void work(const fs::path& destination, std::string_view job) {
         restore(destination);
     else if (job == "credential")
         AppCredentials(destination / "Credentials").save("new", "google.anna");
+    else if (job == "mount")
+        test::mountAndEject(destination);
     else
         backUp(destination, std::atoi(std::string(job).c_str()));
 }
