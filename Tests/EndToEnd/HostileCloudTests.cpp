@@ -242,6 +242,14 @@ TEST_F(HostileCloud, isCaughtLyingAboutASize) {
     backup.expectSettled(2);
 }
 
+TEST_F(HostileCloud, sendsRcloneToNobodyWhoCannotBeReached) {
+    const auto file = backup.drive.addFile(backup.folder, "file", "content");
+    backup.sandbox.inject(
+        Fault::on(media(file)).answer(302).header("Location", "https://elsewhere.example/file").always());
+    EXPECT_THAT(backup.refusal(), StartsWith("rclone could not download this batch (exit "));
+    EXPECT_THAT(backup.sandbox.requests().refusedHosts(), testing::Contains("elsewhere.example:443"));
+}
+
 } // namespace
 
 } // namespace marrowbox
