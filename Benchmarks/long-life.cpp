@@ -1,11 +1,11 @@
-// A backup that runs every ten minutes for a long time, with its history pruned after each run, on a clock of
+// A backup that runs again and again for a long time, with its history pruned after each run, on a clock of
 // its own: what it needs at the end beside what it needed when its retention had been reached. Its snapshots
 // all have to be there then, with every byte.
 //
-// Without arguments, a year of 100 files that are kept for a day, 52,560 runs, and three days of 10,000
-// files. `bench-long-life FILES DAYS RETENTION` measures any other life. Each run reads and writes whole
-// lists of all files, for each snapshot that is retained, as the format of the history wants it, so that a
-// year of 10,000 files takes hours.
+// Without arguments, a year of 100 files with 24 runs a day, and three days of 10,000 files, of which a day
+// is retained. `bench-long-life FILES DAYS RETENTION RUNS` measures any other life, RUNS being those of a
+// day: 144 of them are ten minutes apart. Since each run reads and proves every retained list of all files,
+// the time goes with the product of the four: a year of 10,000 files every ten minutes takes days.
 #include "Life/LongLife.h"
 #include "Measuring/Measure.h"
 #include "Measuring/Memory.h"
@@ -20,7 +20,6 @@ namespace {
 using namespace marrowbox;
 using test::LongLife;
 
-constexpr std::size_t runsPerDay = 144;
 constexpr double mebibyte = 1 << 20;
 
 /// Memory swings with the moment at which a thread's work ends; disk with how many of a day's changes fall on
@@ -32,6 +31,7 @@ struct Length {
     std::size_t files = 0;
     std::size_t days = 0;
     std::size_t retentionDays = 0;
+    std::size_t runsPerDay = 24;
 };
 
 /// One day of a life.
@@ -59,10 +59,11 @@ struct WorkFolder {
     fs::path path;
 };
 
-Day liveOneDay(LongLife& life) {
+Day liveOneDay(LongLife& life, std::size_t runsPerDay) {
     bench::forgetPeakMemory();
     const double seconds = bench::seconds([&] { life.liveOneDay(); });
-    return {life.footprint(), bench::ownMemory(), bench::ownPeakMemory(), seconds / runsPerDay};
+    return {life.footprint(), bench::ownMemory(), bench::ownPeakMemory(),
+            seconds / static_cast<double>(runsPerDay)};
 }
 
 void describe(const char* name, const Day& day) {
@@ -88,12 +89,12 @@ int report(const Length& length, const Day& first, const Day& reached, const Day
 
 int measure(const Length& length) {
     const WorkFolder work(length);
-    LongLife life(work.path / "Destination", {length.files, runsPerDay, length.retentionDays});
+    LongLife life(work.path / "Destination", {length.files, length.runsPerDay, length.retentionDays});
     Day first;
     Day reached;
     Day latest;
     for (std::size_t day = 1; day <= length.days; ++day) {
-        latest = liveOneDay(life);
+        latest = liveOneDay(life, length.runsPerDay);
         if (day == 1)
             first = latest;
         if (day == length.retentionDays + 1)
@@ -102,8 +103,9 @@ int measure(const Length& length) {
     }
     std::fprintf(stderr, "\r%60s\r", "");
     const int status = report(length, first, reached, latest);
-    std::printf("  %zu runs on %zu files in %zu days, %zu days retained, in %s\n", life.runs(), length.files,
-                length.days, length.retentionDays, work.path.parent_path().c_str());
+    std::printf("  %zu runs on %zu files in %zu days, %zu a day, %zu days retained, in %s\n", life.runs(),
+                length.files, length.days, length.runsPerDay, length.retentionDays,
+                work.path.parent_path().c_str());
     describe("first day", first);
     describe("retention reached", reached);
     describe("last day", latest);
@@ -121,12 +123,15 @@ std::size_t number(const char* text) {
 } // namespace
 
 int main(int count, char** arguments) {
-    if (count != 4)
+    if (count != 5)
         return measure({.files = 100, .days = 365, .retentionDays = 1}) |
                measure({.files = 10'000, .days = 3, .retentionDays = 1});
-    const Length length{number(arguments[1]), number(arguments[2]), number(arguments[3])};
-    if (length.files == 0 || length.retentionDays == 0 || length.days <= length.retentionDays) {
-        std::fputs("bench-long-life FILES DAYS RETENTION, of which DAYS is more than RETENTION\n", stderr);
+    const Length length{number(arguments[1]), number(arguments[2]), number(arguments[3]),
+                        number(arguments[4])};
+    if (length.files == 0 || length.retentionDays == 0 || length.runsPerDay == 0 ||
+        length.days <= length.retentionDays) {
+        std::fputs("bench-long-life FILES DAYS RETENTION RUNS, of which DAYS is more than RETENTION\n",
+                   stderr);
         return 2;
     }
     return measure(length);
