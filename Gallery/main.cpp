@@ -1,6 +1,6 @@
 // marrowbox-gallery FOLDER [NAME...]: takes a picture of every scene, or of those whose names begin so, in
 // light and dark, at the scale that QT_SCALE_FACTOR says. Ends with 1 and says why when a scene cannot be
-// shown or makes QML warn.
+// shown, makes QML warn, or when a text in it does not fit.
 #include "Gallery/Photographer.h"
 
 #include <QDir>
