@@ -15,7 +15,7 @@ struct Text {
 };
 
 TrayRow line() {
-    return {};
+    return {.isLine = true};
 }
 
 TrayRow note(QString text) {

@@ -52,7 +52,9 @@ TEST_F(FlowOfTheTray, saysHowThingsStandAndStartsAndCancelsABackup) {
     EXPECT_TRUE(user.comesToShow("Cancel snapshot"));
     EXPECT_TRUE(comesToWaitForSlowBackup());
     EXPECT_FALSE(tray.isEnabled("Back up Letters"));
-    EXPECT_TRUE(user.shows(tray.rows().front())) << "the tray tells what the page tells";
+    EXPECT_TRUE(user.shows(tray.rows().front()))
+        << "the tray tells " << tray.rows().front().toStdString() << " but the page "
+        << user.names().join(u'\n').toStdString();
     tray.click("Cancel backup");
     EXPECT_TRUE(comesToEnd(RunOutcome::cancelled));
     EXPECT_TRUE(user.comesTo([this] { return tray.isEnabled("Back up Letters"); }));
