@@ -38,13 +38,16 @@ struct TokenEndpoint {
     explicit TokenEndpoint(asio::any_io_executor executor) : released(executor) {
         released.expires_at(asio::steady_timer::time_point::max());
     }
-    asio::awaitable<HTTPResponse> send(std::shared_ptr<const HTTPRequest> request, std::stop_token) {
+    asio::awaitable<HTTPResponse> send(std::shared_ptr<const HTTPRequest> request, std::stop_token stop) {
         requests.push_back(*request);
+        const std::stop_callback onStop(
+            stop, [this] { asio::post(released.get_executor(), [this] { released.cancel(); }); });
         reached.set_value();
         if (isHeld) {
             boost::system::error_code woken;
             co_await released.async_wait(asio::redirect_error(asio::use_awaitable, woken));
         }
+        throwIfCancelled(stop);
         HTTPResponse answer{
             .status = 200,
             .retryAfter = {},
@@ -370,6 +373,16 @@ TEST_F(GoogleSignInTest, endsWhenCancelled) {
     EXPECT_FALSE(isPortOpen());
 }
 
+TEST_F(GoogleSignInTest, endsWhenCancelledDuringTheExchange) {
+    endpoint_.isHeld = true;
+    begin();
+    consent();
+    endpoint_.reached.get_future().get();
+    stop_.request_stop();
+    EXPECT_THROW(result_.get(), CancellationError);
+    EXPECT_FALSE(isPortOpen());
+}
+
 TEST_F(GoogleSignInTest, opensNothingWhenCancelledBefore) {
     stop_.request_stop();
     auto result = asio::co_spawn(pool_, signIn_.authorize(request_, stop_.get_token()), asio::use_future);
@@ -397,6 +410,20 @@ TEST_F(GoogleSignInTest, saysWhenTheBrowserDoesNotOpen) {
     const GoogleSignIn failing = signIn([](const std::string&) { return false; });
     auto result = asio::co_spawn(pool_, failing.authorize(request_, {}), asio::use_future);
     EXPECT_EQ(thrown<BackupError>([&] { result.get(); }), "Could not open your browser.");
+}
+
+TEST_F(GoogleSignInTest, opensNothingWithoutASecretOfItsOwn) {
+    signIn_ = GoogleSignIn({.executor = strand_,
+                            .http = HTTP({}, timerWait()),
+                            .openBrowser =
+                                [this](const std::string& address) {
+                                    opened_.set_value(address);
+                                    return true;
+                                },
+                            .random = [](std::size_t) { return std::nullopt; }});
+    auto result = asio::co_spawn(pool_, signIn_.authorize(request_, {}), asio::use_future);
+    EXPECT_EQ(thrown<BackupError>([&] { result.get(); }), "Could not generate a secure sign-in request.");
+    EXPECT_EQ(opened_.get_future().wait_for(std::chrono::seconds(0)), std::future_status::timeout);
 }
 
 TEST_F(GoogleSignInTest, passesOnTheSystemsWordsWhereItGetsNoPort) {

@@ -1,6 +1,8 @@
 #include "EngineRun.h"
 #include "Models/BackupError.h"
+#include "Platform/Digest.h"
 #include "Repository/LockBusyError.h"
+#include "SmallDisk.h"
 #include "Support/Coroutine.h"
 #include "Support/SnapshotBuilder.h"
 #include "Support/Thrown.h"
@@ -118,6 +120,40 @@ TEST(Prune, deletesNothingWhenARetainedObjectIsMissingOrOfAnotherSize) {
     EXPECT_EQ(refusalThatDeletesNothing(repository), paused);
 }
 
+TEST(Prune, deletesNothingForAReferenceOfARetainedFolderThatIsNone) {
+    const TestRepository repository;
+    repository.publish({stored(repository, "a", "old")}, 1);
+    SnapshotEntry entry = folder("a");
+    entry.objectHash = ObjectHash("ab");
+    const Snapshot invalid = repository.publish({entry}, 200);
+    EXPECT_EQ(refusalThatDeletesNothing(repository), invalidHash);
+    fs::remove(repository->manifest(invalid.id));
+    entry.objectHash = ObjectHash::ofDigest(sha256("never stored"));
+    repository.publish({entry}, 300);
+    EXPECT_EQ(refusalThatDeletesNothing(repository), paused);
+}
+
+TEST(Prune, sweepsNothingAfterAManifestThatCannotBeRemoved) {
+    const SmallDisk disk(4);
+    if (!disk.isMounted())
+        GTEST_SKIP() << disk.whyNot();
+    const TestRepository repository(disk.path());
+    repository.publish({stored(repository, "a", "one")}, 1);
+    const Snapshot stuck = repository.publish({stored(repository, "a", "two")}, 2);
+    const Snapshot expired = repository.publish({stored(repository, "a", "three")}, 3);
+    const Snapshot latest = repository.publish({stored(repository, "a", "four")}, 4);
+    disk.makeReadOnly(repository->manifest(stuck.id)); // something is mounted upon it
+    EXPECT_THROW(repository->prune({100}), std::system_error);
+    EXPECT_EQ(historyOf(repository), (std::vector{stuck.id, expired.id, latest.id}));
+    for (const char* content : {"one", "two", "three", "four"})
+        EXPECT_TRUE(isStored(repository, content)) << content;
+    disk.makeWritable(repository->manifest(stuck.id));
+    repository->prune({100});
+    EXPECT_EQ(historyOf(repository), std::vector{latest.id});
+    for (const char* content : {"one", "two", "three"})
+        EXPECT_FALSE(isStored(repository, content)) << content;
+}
+
 TEST(Prune, doesNotNeedTheObjectsOfAnExpiredSnapshot) {
     const TestRepository repository;
     repository.publish({file("a", "never stored")}, 1);
@@ -199,6 +235,16 @@ TEST(Prune, keepsEverythingForEverWithoutARetention) {
     for (const std::optional<std::int64_t> days : {std::optional<std::int64_t>(), {0}, {-5}})
         EXPECT_NO_THROW(pruneByEngine(repository, days, 1e9)) << "not even validated";
     EXPECT_EQ(contentsOf(repository->root()), before);
+}
+
+TEST(Prune, deletesNothingOfARepositoryThatIsNotInOrder) {
+    const TestRepository repository;
+    repository.publish({stored(repository, "a", "old")}, 1);
+    repository.publish({}, 2);
+    fs::remove(repository / "Repository.json");
+    const auto before = contentsOf(repository->root());
+    EXPECT_EQ(thrown<BackupError>([&] { pruneByEngine(repository, 1, 1e9); }), identityRefusal);
+    EXPECT_EQ(contentsOf(repository->root()), before) << "not even a lock file";
 }
 
 TEST(Prune, countsPlainDaysBackFromNow) {

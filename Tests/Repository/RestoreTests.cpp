@@ -1,4 +1,5 @@
 #include "EngineRun.h"
+#include "FailingCall.h"
 #include "Models/BackupError.h"
 #include "Platform/Cancellation.h"
 #include "Repository/LockBusyError.h"
@@ -9,6 +10,7 @@
 
 #include <boost/asio/thread_pool.hpp>
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 
 namespace marrowbox {
 
@@ -60,6 +62,22 @@ TEST(Restore, keepsThePermissionsOfTheObject) {
     ASSERT_EQ(::chmod(repository.object("content").c_str(), 0600), 0);
     repository->restore(snapshot, target.path, {});
     EXPECT_EQ(modeOf(target.path / "a"), 0600u);
+}
+
+TEST(Restore, writesWholeFilesWhereNoPermissionsCanBeGiven) {
+    const TestRepository repository;
+    const Snapshot snapshot = repository.snapshotOf({stored(repository, "a", "content")});
+    const auto isRestored = [&](const fs::path& target, int failure) {
+        return succeedsWithoutCall(SYS_fchmod, failure, [&] { repository->restore(snapshot, target, {}); });
+    };
+    for (const int failure : {EPERM, ENOTSUP, ENOSYS}) {
+        const Target target;
+        EXPECT_TRUE(isRestored(target.path, failure)) << failure;
+        EXPECT_EQ(readFile(target.path / "a"), "content");
+    }
+    const Target target;
+    EXPECT_FALSE(isRestored(target.path, EIO)) << "any other failure counts";
+    EXPECT_FALSE(fs::exists(target.path / "a"));
 }
 
 TEST(Restore, makesNoProgramThatRunsWithItsOwnersRights) {
@@ -146,6 +164,16 @@ TEST(Restore, leavesWholeFilesAloneOnADiskThatIsFull) {
     }
     for (const auto& [name, content] : contentsOf(disk.path() / "restored"))
         EXPECT_TRUE(content == std::string(1 << 20, name[0])) << name << ": " << content.size();
+}
+
+TEST(Restore, makesNoTargetForARepositoryThatIsNotInOrder) {
+    const TestRepository repository;
+    const Target target;
+    const Snapshot snapshot = repository.snapshotOf({stored(repository, "a", "content")});
+    fs::remove(repository / "Repository.json");
+    EXPECT_EQ(thrown<BackupError>([&] { restoreByEngine(repository, snapshot, target.path); }),
+              identityRefusal);
+    EXPECT_FALSE(fs::exists(target.path));
 }
 
 TEST(Restore, refusesASnapshotOfAnotherUnit) {

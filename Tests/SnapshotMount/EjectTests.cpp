@@ -123,6 +123,29 @@ TEST(Unmount, thatIsCancelledIsPossibleAgain) {
     EXPECT_NO_THROW(world.run(world.mounts.unmount(world.mountedOf(entry), {})));
 }
 
+TEST(Unmount, thatIsCancelledDuringAnyToolKeepsTheFilesForAReconciliation) {
+    constexpr std::size_t callsBeforeTheLast = 6;
+    for (std::size_t call = 0; call < callsBeforeTheLast; ++call) {
+        SCOPED_TRACE(call);
+        test::MountWorld world;
+        const MountEntry entry = world.prepareMounted();
+        const std::string before = test::treeState(world.scratch.path());
+        std::stop_source stop;
+        world.stopDuringCall(call, stop);
+        EXPECT_THROW(world.run(world.mounts.unmount(world.mountedOf(entry), stop.get_token())),
+                     CancellationError);
+        EXPECT_EQ(world.machine->calls.size(), call + 1);
+        EXPECT_EQ(test::treeState(world.scratch.path()), before);
+        const auto found = world.run(world.mounts.reconcile({}));
+        EXPECT_EQ(found.mounted.size(), world.machine->attached.size());
+        EXPECT_EQ(found.issue, std::nullopt);
+        if (!found.mounted.empty())
+            world.run(world.mounts.unmount(found.mounted[0], {}));
+        EXPECT_FALSE(fs::exists(entry.workingDirectory.path()));
+        EXPECT_TRUE(world.folder.load().entries.empty());
+    }
+}
+
 TEST(ValidatedMounted, givesTheMountPointOfThisMoment) {
     test::MountWorld world;
     const MountEntry entry = world.prepareMounted("/Volumes/Moved");

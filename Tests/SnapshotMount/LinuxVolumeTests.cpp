@@ -203,6 +203,22 @@ TEST_F(LinuxVolume, keepsItsWorkWhileItsServerDoesNotEnd) {
     EXPECT_TRUE(world->hasNoWork());
 }
 
+TEST_F(LinuxVolume, isTheSameWhereALinkLeadsToTheDataFolder) {
+    const fs::path way = fs::canonical(world->scratch.path()) / "way";
+    fs::create_directory_symlink(world->directory.parent_path(), way);
+    world->directory = way / "MountedSnapshots";
+    mounts = world->start();
+    const auto mounted = world->mount(*mounts);
+    EXPECT_EQ(mounted.workingDirectory.parent_path(), way / "MountedSnapshots/MountWork");
+    world->backup.expectWholeSnapshot(mounted.volume);
+    EXPECT_EQ(reconcile().mounted, std::vector{mounted});
+    Descriptor open = openFile(mounted.workingDirectory / "Files" / "twin.txt", O_RDONLY);
+    EXPECT_EQ(refusedEject(mounted), "Snapshot temporary files may still be in use and were retained.");
+    open.close();
+    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_TRUE(world->hasNoWork());
+}
+
 TEST_F(LinuxVolume, whoseMarkerWasSwappedStaysMountedAndUntouched) {
     const auto mounted = world->mount(*mounts);
     const fs::path marker = mounted.workingDirectory / ".marrowbox-mount.json";

@@ -27,7 +27,7 @@ class LinuxWorld {
 
     const ScratchFolder scratch;
     /// Blanks, commas and letters of other scripts are part of many a path.
-    const fs::path directory = fs::canonical(scratch.path()) / "Data, größer" / "MountedSnapshots";
+    fs::path directory = fs::canonical(scratch.path()) / "Data, größer" / "MountedSnapshots";
     const fs::path runtime = fs::canonical(scratch.path()) / "runtime";
     std::shared_ptr<SnapshotMountSystem> machine;
     BackedUpUnit backup{fs::canonical(scratch.path()) / "Backup disk"};

@@ -87,6 +87,13 @@ TEST(MountPointFolder, usesAnEmptyFolderOfAnEarlierVolumeAgain) {
     EXPECT_EQ(points.folder.makeMountPoint("M"), points.folder.path() / "M");
 }
 
+TEST(MountPointFolder, looksForNoOtherNameWhereNoneCanBeMade) {
+    Points points;
+    points.folder.prepare();
+    EXPECT_THROW(points.folder.makeMountPoint(std::string(300, 'M')), std::system_error);
+    EXPECT_TRUE(fs::is_empty(points.folder.path()));
+}
+
 TEST(MountPointFolder, removesOnlyEmptyFoldersThatItHolds) {
     Points points;
     points.folder.prepare();

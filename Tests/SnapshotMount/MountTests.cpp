@@ -1,4 +1,5 @@
 #include "BackedUpUnit.h"
+#include "KillSwitch.h"
 #include "MountWorld.h"
 
 #include "Platform/Files.h"
@@ -30,6 +31,16 @@ struct MountAttempt {
     std::string refused() {
         return test::thrown<Error>([&] { run(); });
     }
+    /// Does something right before the next such call. Nothing is killed.
+    static void whenAbout(std::string_view call, const fs::path& path, std::function<void()> action) {
+        test::killBefore([=, isDone = false](std::string_view made, const std::string& about) mutable {
+            if (made == call && about == path && !std::exchange(isDone, true))
+                action();
+            return false;
+        });
+    }
+    ~MountAttempt() { test::killBefore({}); }
+
     /// The one work folder.
     fs::path workFolder() const {
         const auto names = directoryNames(world.folder.workRoot());
@@ -264,13 +275,47 @@ TEST(Mount, thatIsCancelledBeforeTheRestoreLeavesNothing) {
 
 TEST(Mount, thatCannotBeRecordedMakesNothing) {
     MountAttempt attempt;
-    // A folder in the registry's place at the moment of the rename; the check before it saw none.
-    attempt.world.folder.save({});
-    attempt.world.machine->owners[attempt.world.folder.registryFile()] = ::getuid() + 1;
-    EXPECT_EQ(attempt.world.refusal<BackupError>([&] { attempt.run(); }),
-              "Unsafe snapshot mount registry was retained.");
-    attempt.world.machine->owners.clear();
+    const fs::path registry = attempt.world.folder.registryFile();
+    // A folder takes the registry's place at the moment of the rename; the checks before saw nothing.
+    attempt.whenAbout("rename", registry, [&] { fs::create_directory(registry); });
+    EXPECT_NE(attempt.refused<std::system_error>(), "");
+    EXPECT_TRUE(directoryNames(attempt.world.folder.workRoot()).empty());
+    EXPECT_TRUE(attempt.world.machine->calls.empty());
+    fs::remove(registry);
     EXPECT_NO_THROW(attempt.run()) << "the snapshot is not taken for one under way";
+}
+
+TEST(Mount, thatIsAttachedAndCannotBeRecordedIsKeptAndFoundAgain) {
+    MountAttempt attempt;
+    const fs::path registry = attempt.world.folder.registryFile();
+    const fs::path aside = attempt.world.scratch / "aside";
+    attempt.world.machine->answerOnce("hdiutil attach", [&](const ToolCommand& command) {
+        attempt.whenAbout("rename", registry, [&] {
+            fs::rename(registry, aside);
+            fs::create_directory(registry);
+        });
+        return attempt.world.machine->usual(command);
+    });
+    EXPECT_NE(attempt.refused<std::system_error>(), "");
+    fs::remove(registry);
+    fs::rename(aside, registry);
+    attempt.expectEverythingKept();
+    EXPECT_EQ(attempt.world.machine->count("lsof"), 0u);
+    EXPECT_EQ(attempt.world.unchangingReconcile().mounted.size(), 1u);
+}
+
+TEST(Mount, deletesNoFolderThatItDidNotMake) {
+    MountAttempt attempt;
+    test::killBefore([&](std::string_view call, const std::string& path) {
+        if (call == "mkdir" && fs::path(path).parent_path() == attempt.world.folder.workRoot())
+            fs::create_directories(fs::path(path) / "mine");
+        return false;
+    });
+    EXPECT_NE(attempt.refused<std::system_error>(), "");
+    test::killBefore({});
+    EXPECT_TRUE(fs::exists(attempt.workFolder() / "mine"));
+    EXPECT_EQ(attempt.world.unchangingReconcile().issue,
+              "Invalid snapshot mount registry entry was retained.");
 }
 
 TEST(Mount, keepsAnEntryThatALaterAttemptMade) {

@@ -71,6 +71,14 @@ void MountWorld::runUntilReached(const Gate& gate) {
     ASSERT_TRUE(gate.isReached);
 }
 
+void MountWorld::stopDuringCall(std::size_t number, std::stop_source stop) {
+    machine->answer("", [this, stop, number](const ToolCommand& command) mutable {
+        if (machine->calls.size() == number + 1)
+            stop.request_stop();
+        return machine->usual(command);
+    });
+}
+
 SnapshotMount::Reconciliation MountWorld::unchangingReconcile() {
     const std::string before = treeState(scratch.path());
     auto reconciliation = run(mounts.reconcile({}));

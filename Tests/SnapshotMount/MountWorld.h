@@ -96,6 +96,8 @@ class MountWorld {
     std::string refusedUnmount(const MountEntry& entry) {
         return refusal<BackupError>([&] { run(mounts.unmount(mountedOf(entry), {})); });
     }
+    /// Asks for the stop while the tool runs that is called after so many others.
+    void stopDuringCall(std::size_t number, std::stop_source stop);
     /// A reconciliation that must leave everything on disk as it was.
     SnapshotMount::Reconciliation unchangingReconcile();
     /// Fails the test unless each public operation refuses with these words (the one that never fails gives

@@ -177,6 +177,23 @@ TEST(Reconcile, thatFindsAnotherRunningReturnsAtOnceAndIsNotSure) {
     EXPECT_EQ(first->get().mounted, std::vector{world.mountedOf(entry)});
 }
 
+TEST(Reconcile, thatIsCancelledDuringAnyToolOfARemovalKeepsEverythingForTheNext) {
+    constexpr std::size_t callsBeforeTheLast = 5;
+    for (std::size_t call = 0; call < callsBeforeTheLast; ++call) {
+        SCOPED_TRACE(call);
+        test::MountWorld world;
+        const MountEntry entry = world.prepare();
+        const std::string before = test::treeState(world.scratch.path());
+        std::stop_source stop;
+        world.stopDuringCall(call, stop);
+        EXPECT_THROW(world.run(world.mounts.reconcile(stop.get_token())), CancellationError);
+        EXPECT_EQ(world.machine->calls.size(), call + 1);
+        EXPECT_EQ(test::treeState(world.scratch.path()), before);
+        EXPECT_EQ(world.run(world.mounts.reconcile({})), nothing);
+        EXPECT_FALSE(fs::exists(entry.workingDirectory.path()));
+    }
+}
+
 TEST(Reconcile, isPossibleAgainAfterAnyEnd) {
     test::MountWorld world;
     std::stop_source stop;

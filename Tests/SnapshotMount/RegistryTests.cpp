@@ -1,3 +1,4 @@
+#include "KillSwitch.h"
 #include "MountWorld.h"
 
 #include "Models/BackupError.h"
@@ -7,6 +8,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace marrowbox {
 
@@ -202,6 +204,24 @@ TEST(MountRegistry, whoseLockIsALinkIsNotTouched) {
     fs::create_symlink(world.scratch / "nothing", world.directory / "mounts.lock");
     world.expectEveryOperationRefuses("Could not open the backup lock. Check destination permissions.");
     EXPECT_FALSE(fs::exists(world.scratch / "nothing"));
+}
+
+TEST(MountRegistry, neverFailsToBeSavedOnceItHasItsName) {
+    test::MountWorld world;
+    rlimit usual{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const MountRegistry registry{.entries = {world.newEntry()}};
+    // Nothing is killed; from the rename on no file can be opened.
+    test::killBefore([&](std::string_view call, const std::string&) {
+        const rlimit none{.rlim_cur = 0, .rlim_max = usual.rlim_max};
+        if (call == "rename")
+            EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+        return false;
+    });
+    EXPECT_NO_THROW(world.folder.save(registry));
+    test::killBefore({});
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &usual), 0);
+    EXPECT_EQ(world.folder.load(), registry);
 }
 
 TEST(MountRegistry, dropsOnlyTheEntryOfTheSameWorkFolder) {

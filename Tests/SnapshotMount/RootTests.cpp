@@ -133,6 +133,17 @@ TEST(MountPaths, countTheRootAsInsideAndNoNeighbour) {
     EXPECT_FALSE(isInside("/no", "/no/root"));
 }
 
+TEST(MountPaths, findAMountPointInsideThroughALinkWithoutAskingWhatIsMountedThere) {
+    const test::ScratchFolder scratch;
+    fs::create_directories(scratch / "real/root");
+    fs::create_directory_symlink(scratch / "real", scratch / "way");
+    EXPECT_TRUE(isInside(scratch / "way/root", scratch / "real/root"));
+    EXPECT_TRUE(isInside(scratch / "real/root/a", scratch / "way/root"));
+    // Only a look at the place itself would tell that this one leads inside.
+    fs::create_directory_symlink(scratch / "real/root", scratch / "beside");
+    EXPECT_FALSE(isInside(scratch / "beside", scratch / "real/root"));
+}
+
 TEST(MountPaths, takeADanglingLinkForSomething) {
     const test::ScratchFolder scratch;
     fs::create_symlink(scratch / "gone", scratch / "link");

@@ -21,13 +21,19 @@ void makeTarget(const fs::path& target) {
     throwSystemError("mkdir", target);
 }
 
+/// A share may show every file as another user's, and a file system may keep no permissions at all. The new
+/// file has what they give it, and its bytes are whole.
+bool keepsPermissions(int failure) {
+    return failure != EPERM && failure != ENOTSUP && failure != ENOSYS;
+}
+
 void copyWithPermissions(const Descriptor& object, const Descriptor& copy, const fs::path& target) {
     struct stat status{};
     if (::fstat(object.number(), &status) != 0)
         throwSystemError("stat", target);
     copyContents(object, copy);
     // Whoever can reach the store must not make a program of it run with its owner's rights.
-    if (::fchmod(copy.number(), status.st_mode & 0777) != 0)
+    if (::fchmod(copy.number(), status.st_mode & 0777) != 0 && keepsPermissions(errno))
         throwSystemError("chmod", target);
 }
 

@@ -34,8 +34,9 @@ bool isAtOrBelow(const fs::path& candidate, const fs::path& root) {
     return candidate == root || candidate.native().starts_with((root / "").native());
 }
 
-bool isInside(const fs::path& candidate, const fs::path& root) {
-    return isAtOrBelow(resolved(candidate), resolved(root));
+bool isInside(const fs::path& mountPoint, const fs::path& root) {
+    const fs::path text = standardized(mountPoint);
+    return isAtOrBelow(standardized(resolved(text.parent_path()) / text.filename()), resolved(root));
 }
 
 bool somethingExists(const fs::path& path) {

@@ -17,8 +17,9 @@ fs::path resolved(const fs::path& path);
 /// Whether the candidate is the root or lies below it, both as they stand.
 bool isAtOrBelow(const fs::path& candidate, const fs::path& root);
 
-/// The same on the resolved forms. The root itself counts as inside.
-bool isInside(const fs::path& candidate, const fs::path& root);
+/// The same for a mount point, on the resolved forms. The root itself counts as inside. What is mounted there
+/// is not asked, since a server that does not answer would hold up whoever asks; a mount point is no link.
+bool isInside(const fs::path& mountPoint, const fs::path& root);
 
 /// Whether anything at all stands at the path, a dangling link included. Only the system's clear "no such
 /// file" is a no: a path that cannot be examined counts as something, so that nobody takes it for gone.

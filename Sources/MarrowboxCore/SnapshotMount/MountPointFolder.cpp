@@ -4,27 +4,28 @@
 #include "Platform/Files.h"
 #include "SnapshotMount/MountPaths.h"
 
-#include <cerrno>
-
 namespace marrowbox {
 
 namespace {
 
 constexpr mode_t privateMode = 0700;
 
-/// Makes the folder; an existing one is judged afterwards.
-void makeMissing(const fs::path& path) {
+/// False when something stands there already.
+bool isMade(const fs::path& path) {
     try {
         makeDirectory(path, privateMode);
+        return true;
     } catch (const std::system_error& failure) {
         if (failure.code() != std::errc::file_exists)
             throw;
+        return false;
     }
 }
 
-/// Removes what an earlier volume left, as long as it is an empty folder and nothing is mounted on it.
-bool isFree(const fs::path& path) {
-    return !somethingExists(path) || ::rmdir(path.c_str()) == 0;
+/// The same; what an earlier volume left makes room, as long as it is an empty folder and nothing is mounted
+/// on it.
+bool isMadeAnew(const fs::path& path) {
+    return isMade(path) || (::rmdir(path.c_str()) == 0 && isMade(path));
 }
 
 } // namespace
@@ -41,7 +42,7 @@ fs::path MountPointFolder::place(const std::map<std::string, std::string>& envir
 }
 
 void MountPointFolder::prepare() const {
-    makeMissing(path_);
+    isMade(path_); // an existing one is judged like a new one
     const auto status = linkStatus(path_);
     const bool isOurs = status && S_ISDIR(status->st_mode) && status->st_uid == user_ &&
                         (status->st_mode & 07777) == privateMode;
@@ -52,9 +53,8 @@ void MountPointFolder::prepare() const {
 fs::path MountPointFolder::makeMountPoint(const std::string& volumeName) const {
     const fs::path folder = resolved(path_);
     fs::path candidate = folder / volumeName;
-    for (int number = 1; !isFree(candidate); ++number)
+    for (int number = 1; !isMadeAnew(candidate); ++number)
         candidate = folder / (volumeName + " " + std::to_string(number));
-    makeDirectory(candidate, privateMode);
     return candidate;
 }
 

@@ -29,11 +29,12 @@ Descriptor openRecord(const fs::path& path) {
 /// Replaces a file as a whole. Once it returns, a power cut keeps the file, and what is made after it never
 /// outlives it.
 void writeDurably(const fs::path& path, std::string_view bytes) {
+    // Opened before the rename, after which nothing may fail: the file is there.
+    const Descriptor folder = openFile(path.parent_path(), O_RDONLY | O_DIRECTORY);
     AtomicFile file(path);
     writeAll(file.descriptor(), bytes);
     synchronize(file.descriptor(), path);
     file.publish();
-    const Descriptor folder = openFile(path.parent_path(), O_RDONLY | O_DIRECTORY);
     // Not every file system can synchronise a folder; the rename stands without it.
     ::fsync(folder.number());
 }
