@@ -47,11 +47,14 @@ void publishHistory(const bench::BusyUser& user) {
 
 int measureSelecting(const bench::Session& session, const bench::BusyUser& user) {
     publishHistory(user);
-    const auto numbers = bench::measuredInside(session, user.data(), {"selecting"});
+    std::vector<std::vector<double>> rounds; // the longest wait, and our work in it
+    for (int round = 0; round < 3; ++round)
+        rounds.push_back(bench::measuredInside(session, user.data(), {"selecting"}));
+    std::ranges::sort(rounds);
     char remark[80];
     std::snprintf(remark, sizeof remark, "ms that an event waits at most; %.1f of them for our work",
-                  numbers.at(1));
-    return bench::reportAtMost("window-select", numbers.at(0), 16, remark);
+                  rounds.at(1).at(1));
+    return bench::reportAtMost("window-select", rounds.at(1).at(0), 16, remark);
 }
 
 int measureIdling(const bench::Session& session, const bench::BusyUser& user) {
