@@ -76,17 +76,22 @@ CertificateAuthority::CertificateAuthority() : authority_(unsignedCertificate("S
     require(X509_sign(certificate, authority_.key.get(), EVP_sha256()) > 0);
 }
 
-Certificate CertificateAuthority::issue(const std::string& host) const {
-    Certificate issued = unsignedCertificate(host);
+Certificate CertificateAuthority::issue(const std::string& host, CertificateFault fault) const {
+    const std::string named = fault == CertificateFault::otherHost ? "elsewhere.example" : host;
+    Certificate issued = unsignedCertificate(named);
+    const Certificate& signer = fault == CertificateFault::selfSigned ? issued : authority_;
     X509* certificate = issued.certificate.get();
-    X509* issuer = authority_.certificate.get();
+    X509* issuer = signer.certificate.get();
+    if (fault == CertificateFault::expired)
+        require(X509_gmtime_adj(X509_getm_notAfter(certificate), -60) != nullptr);
     require(X509_set_issuer_name(certificate, X509_get_subject_name(issuer)) == 1);
     addExtension(certificate, issuer, NID_basic_constraints, "critical,CA:FALSE");
     addExtension(certificate, issuer, NID_key_usage, "critical,digitalSignature");
     addExtension(certificate, issuer, NID_ext_key_usage, "serverAuth");
-    addExtension(certificate, issuer, NID_subject_alt_name, "DNS:" + host);
-    addExtension(certificate, issuer, NID_authority_key_identifier, "keyid");
-    require(X509_sign(certificate, authority_.key.get(), EVP_sha256()) > 0);
+    addExtension(certificate, issuer, NID_subject_alt_name, "DNS:" + named);
+    if (fault != CertificateFault::selfSigned)
+        addExtension(certificate, issuer, NID_authority_key_identifier, "keyid");
+    require(X509_sign(certificate, signer.key.get(), EVP_sha256()) > 0);
     return issued;
 }
 

@@ -17,6 +17,9 @@ struct Certificate {
     std::string pem() const;
 };
 
+/// What is wrong with a certificate that a server shows.
+enum class CertificateFault { none, expired, selfSigned, otherHost };
+
 /// A certificate authority that lives in memory alone, fresh with every object. Throws std::runtime_error
 /// when the library refuses.
 class CertificateAuthority {
@@ -24,8 +27,8 @@ class CertificateAuthority {
     CertificateAuthority();
 
     std::string pem() const { return authority_.pem(); }
-    /// A certificate for one host, good for some days.
-    Certificate issue(const std::string& host) const;
+    /// A certificate for one host, good for some days unless a fault is asked for.
+    Certificate issue(const std::string& host, CertificateFault fault = CertificateFault::none) const;
 
   private:
     Certificate authority_;

@@ -5,12 +5,14 @@
 #include "Sandbox/RequestLog.h"
 #include "Sandbox/Services.h"
 
+#include <atomic>
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ssl/context.hpp>
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace marrowbox::sandbox {
@@ -27,13 +29,16 @@ struct Shared {
     CertificateAuthority authority;
     std::string authorityPEM = authority.pem();
 
+    /// What is wrong with the certificates that connections from now on are shown.
+    std::atomic<CertificateFault> certificateFault = CertificateFault::none;
+
     /// The context with the certificate of a host, made at its first use.
     asio::ssl::context& contextFor(const std::string& host);
     void failed(std::string what);
     std::vector<std::string> failures() const;
 
   private:
-    std::map<std::string, asio::ssl::context> contexts_;
+    std::map<std::pair<std::string, CertificateFault>, asio::ssl::context> contexts_;
     mutable std::mutex mutex_;
     std::vector<std::string> failures_;
 };

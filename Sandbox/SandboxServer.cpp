@@ -158,6 +158,10 @@ void SandboxServer::clearFaults() {
     implementation_->shared.faults.clear();
 }
 
+void SandboxServer::showCertificates(CertificateFault fault) {
+    implementation_->shared.certificateFault = fault;
+}
+
 std::vector<std::string> SandboxServer::failures() const {
     return implementation_->shared.failures();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Clock.h"
+#include "Sandbox/Certificates.h"
 #include "Sandbox/Drive.h"
 #include "Sandbox/Fault.h"
 #include "Sandbox/Identity.h"
@@ -68,6 +69,9 @@ class SandboxServer {
 
     void inject(Fault fault);
     void clearFaults();
+    /// From now on each new connection is shown a certificate with this fault, whatever its host. Also from a
+    /// fault's hook.
+    void showCertificates(CertificateFault fault);
     /// What went wrong inside the sandbox itself, such as a hook that threw; empty in a sound test.
     std::vector<std::string> failures() const;
 

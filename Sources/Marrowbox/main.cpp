@@ -1,5 +1,6 @@
 #include "Marrowbox/MarrowboxApp/MarrowboxApp.h"
 #include "Marrowbox/Platform/SingleInstance.h"
+#include "Platform/CoreDumps.h"
 
 #include <QApplication>
 #include <csignal>
@@ -40,6 +41,7 @@ int run() {
 } // namespace
 
 int main(int count, char** words) {
+    forbidCoreDumps();
     resetSignals();
     const QApplication application(count, words);
     QApplication::setApplicationName("marrowbox");

@@ -305,6 +305,23 @@ TEST(DriveTree, sortsRandomTreesByTheBytesOfWholePaths) {
     }
 }
 
+TEST(DriveTree, describesATreeOfFiveThousandLevels) {
+    constexpr std::size_t levels = 5000;
+    DriveTree tree = treeOf();
+    for (std::size_t level = 0; level < levels; ++level) {
+        ASSERT_TRUE(tree.nextFolder());
+        tree.add(
+            {driveFolder("d" + std::to_string(level), "d"), driveFile("f" + std::to_string(level), "f")});
+    }
+    tree.nextFolder();
+    tree.add({});
+    ASSERT_FALSE(tree.nextFolder());
+    const auto entries = tree.finish();
+    ASSERT_EQ(entries.size(), 2 * levels);
+    EXPECT_EQ(entries[levels - 1].path.size(), 2 * levels - 1);
+    EXPECT_EQ(entries.back().path, "f");
+}
+
 TEST(DriveTree, checksTheWholeListAtItsEnd) {
     // A name that looks like the tagged one of another pair.
     DriveTree tree = treeOf();

@@ -149,6 +149,11 @@ void GoogleBackup::expectSettled(std::size_t snapshots) const {
     EXPECT_THAT(sandbox.failures(), testing::IsEmpty());
 }
 
+std::vector<std::string> GoogleBackup::secrets() const {
+    const auto token = decodeJSON<OAuthToken>(credentials_.read("google." + sandbox::Person().sub).value());
+    return {token.accessToken, token.refreshToken, sandbox::ClientIdentity().secret.value()};
+}
+
 std::size_t GoogleBackup::rcloneCalls() {
     // The only one who asks for the root, once a call.
     return sandbox.requests().count(sandbox::metadata("root"));

@@ -50,6 +50,10 @@ class GoogleBackup {
     /// How many calls of rclone fetched something from My Drive.
     std::size_t rcloneCalls();
     const std::vector<std::string>& progress() const { return *progress_; }
+    /// The folder of all that the backup may write: its destination, credentials, temporary files and home.
+    const fs::path& place() const { return scratch_.path(); }
+    /// What nobody else may learn: the tokens that are kept now, and the secret of the client.
+    std::vector<std::string> secrets() const;
 
     sandbox::SandboxServer sandbox;
     sandbox::Drive& drive = sandbox.drive();

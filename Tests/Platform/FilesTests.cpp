@@ -174,6 +174,30 @@ TEST(Folders, haveExactlyTheirModeWithTheirParentsToo) {
     EXPECT_EQ(modeOf(scratch / "private/deep"), 0700U);
 }
 
+TEST(Folders, areMadeDeeperThanAPathIsLong) {
+    const ScratchFolder scratch;
+    const Umask mask(0277);
+    fs::path deep = scratch.path();
+    for (int level = 0; level < 50; ++level)
+        deep /= std::string(200, 'd');
+    makeDirectories(deep, 0700);
+    makeDirectories(deep, 0700);
+    std::size_t levels = 0;
+    for (const auto& found : fs::recursive_directory_iterator(scratch.path())) {
+        EXPECT_EQ(found.status().permissions(), fs::perms::owner_all);
+        if (++levels == 10) // as far as a path reaches
+            break;
+    }
+    makeDirectories(deep / "below");
+    levels = 0;
+    for ([[maybe_unused]] const auto& found : fs::recursive_directory_iterator(scratch.path()))
+        ++levels;
+    EXPECT_EQ(levels, 51U);
+
+    put(scratch / "file", "kept");
+    EXPECT_THROW(makeDirectories(scratch.path() / "file" / deep.relative_path()), std::system_error);
+}
+
 TEST(Folders, areMadeThroughALinkToAFolder) {
     const ScratchFolder scratch;
     makeDirectory(scratch / "real", 0700);

@@ -55,6 +55,22 @@ TEST(Restore, writesOutEveryFileAndFolder) {
                                                                            {"large", large}}));
 }
 
+TEST(Restore, writesOutFoldersDeeperThanAPathIsLong) {
+    const TestRepository repository;
+    const Target target;
+    std::vector<SnapshotEntry> entries{stored(repository, "a", "content")};
+    std::string path(200, 'd');
+    for (int level = 1; level <= 100; ++level, path += "/" + std::string(200, 'd'))
+        entries.push_back(folder(path));
+    entries.push_back(stored(repository, "z", "content"));
+    repository->restore(repository.snapshotOf(entries), target.path, {});
+    std::size_t depth = 0;
+    for (auto found = fs::recursive_directory_iterator(target.path); found != fs::end(found); ++found)
+        depth = std::max(depth, std::size_t(found.depth()) + 1);
+    EXPECT_EQ(depth, 100U);
+    EXPECT_EQ(readFile(target.path / "z"), "content");
+}
+
 TEST(Restore, keepsThePermissionsOfTheObject) {
     const TestRepository repository;
     const Target target;

@@ -2,6 +2,7 @@
 #include "Platform/Files.h"
 #include "Rclone.h"
 #include "Sandbox/Exports.h"
+#include "Support/LoopbackServer.h"
 
 #include <csignal>
 #include <gmock/gmock.h>
@@ -149,6 +150,28 @@ TEST_F(RcloneOnSandbox, takesAnExportThatIsCutBelowAHundredKilobytesForAWholeOne
     sandbox.inject(Fault::on(exportOf(document)).cutAfterBodyBytes(20'000).always());
     EXPECT_EQ(rclone.copy({{document, "plan.docx"}}), 0) << rclone.complaint();
     EXPECT_EQ(fetched("plan.docx").size(), 20'000);
+}
+
+// It believes the service, which it has asked for its certificate: see "Whom a token is shown to" in
+// ARCHITECTURE.md.
+TEST_F(RcloneOnSandbox, followsTheServiceToAnotherHostAndShowsItsTokenThere) {
+    LoopbackServer stranger([](const WebRequest&) { return webAnswer("200 OK", "", "content"); });
+    const std::string file = drive.addFile("root", "file", "content");
+    const std::string document = drive.addNative("root", "Plan", NativeKind::document, "text");
+    sandbox.inject(Fault::on(media(file)).answer(302).header("Location", stranger.url("/file")).always());
+    sandbox.inject(Fault::on(metadata(document)).always().editBody([&](std::string item) {
+        const std::string link = "https://docs.google.com/feeds";
+        for (auto place = item.find(link); place != std::string::npos; place = item.find(link))
+            item.replace(place, link.size(), stranger.url(""));
+        return item;
+    }));
+
+    EXPECT_EQ(rclone.copy({{file, "file"}, {document, "plan.docx"}}), 0) << rclone.complaint();
+
+    const auto requests = stranger.requests();
+    ASSERT_EQ(requests.size(), 2);
+    for (const WebRequest& request : requests)
+        EXPECT_THAT(request.head, testing::HasSubstr("Authorization: Bearer "));
 }
 
 TEST_F(RcloneOnSandbox, fetchesAVeryLargeFileInRanges) {

@@ -4,10 +4,12 @@
 #include "Models/BackupError.h"
 #include "Platform/Files.h"
 #include "Repository/LockBusyError.h"
+#include "SnapshotMount/ProcessEnd.h"
 #include "Support/Thrown.h"
 #include "TreeState.h"
 
 #include <atomic>
+#include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
@@ -140,6 +142,18 @@ TEST_F(LinuxVolume, thatARestartOfTheMachineTookAwayIsCleanedUp) {
     EXPECT_EQ(test::await(mounts->validatedMounted(mounted.id, {})), std::nullopt);
     EXPECT_EQ(refusedEject(mounted), "This snapshot is no longer mounted. Recovery will clean it up safely.");
     EXPECT_EQ(reconcile(), nothing);
+    EXPECT_TRUE(world->hasNoWork());
+}
+
+TEST_F(LinuxVolume, whoseServerWasKilledIsListedAndEjectedLikeAnyOther) {
+    const auto mounted = world->mount(*mounts);
+    auto servers = world->machine->processesWithArguments({mounted.volume});
+    ASSERT_EQ(servers.size(), 1u);
+    ASSERT_EQ(::syscall(SYS_pidfd_send_signal, servers[0].number(), SIGKILL, nullptr, 0), 0);
+    ASSERT_TRUE(test::await(processesEnded(std::move(servers), std::chrono::seconds(60))));
+    EXPECT_EQ(reconcile().mounted, std::vector{mounted});
+    test::await(mounts->unmount(mounted, {}));
+    EXPECT_FALSE(fs::exists(mounted.volume));
     EXPECT_TRUE(world->hasNoWork());
 }
 

@@ -3,6 +3,7 @@
 #include "DriveAPI/DriveNames.h"
 #include "DriveAPI/DriveRequests.h"
 #include "DriveAPI/DriveWalk.h"
+#include "DriveAPI/PageSequence.h"
 #include "Models/BackupError.h"
 #include "Models/JSONFile.h"
 #include "Platform/UnicodeText.h"
@@ -20,9 +21,11 @@ namespace {
 asio::awaitable<std::vector<DriveLocation>> listRoots(DriveAPI api, std::stop_token stop) {
     std::vector<DriveLocation> roots{{.id = "root", .name = "My Drive", .sharedDriveID = {}}};
     Query query = DriveRequests::drivesQuery();
+    PageSequence pages;
     for (;;) {
         const std::string body = co_await DriveRequests::fetch(api, "drives", query, stop);
         DrivePage page = decodeJSON<DrivePage>(body);
+        pages.add(page);
         for (DriveLocation& drive : page.drives) {
             drive.sharedDriveID = drive.id;
             roots.push_back(std::move(drive));
@@ -45,9 +48,11 @@ asio::awaitable<std::vector<DriveFile>> listChildren(DriveAPI api, DriveLocation
                                                      std::stop_token stop) {
     Query query = DriveRequests::childrenQuery(of, items);
     std::vector<DriveFile> files;
+    PageSequence pages;
     for (;;) {
         const std::string body = co_await DriveRequests::fetch(api, "files", query, stop);
         FilePage page = DriveRequests::filePage(body);
+        pages.add(page);
         std::ranges::move(page.files, std::back_inserter(files));
         if (!page.nextPageToken)
             break;

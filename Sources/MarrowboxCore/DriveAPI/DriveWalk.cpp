@@ -1,6 +1,7 @@
 #include "DriveAPI/DriveWalk.h"
 
 #include "DriveAPI/DriveRequests.h"
+#include "DriveAPI/PageSequence.h"
 #include "Platform/Cancellation.h"
 
 #include <boost/asio/co_spawn.hpp>
@@ -95,11 +96,13 @@ asio::awaitable<void> DriveWalk::list(std::shared_ptr<DriveWalk> self, DriveLoca
         co_await dropAhead(self);
     DriveRequests::Query query = DriveRequests::childrenQuery(folder, DriveItems::all);
     std::vector<DriveFile> files;
+    PageSequence pages;
     std::string body = std::move(first.body);
     for (;;) {
         if (DriveRequests::isSurelyLast(body))
             co_await askFurther(self);
         FilePage page = DriveRequests::filePage(body);
+        pages.add(page);
         append(files, std::move(page.files));
         if (!page.nextPageToken)
             break;

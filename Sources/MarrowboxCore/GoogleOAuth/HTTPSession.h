@@ -42,8 +42,9 @@ class HTTPSession {
     /// Ends what is under way with TransportErrorCode::cancelled.
     ~HTTPSession();
 
-    /// Sends once. Throws TransportError when no complete response came, BackupError for a body that is too
-    /// large, and CancellationError as soon as a stop is requested. Any executor, any number at a time.
+    /// Sends once. Throws TransportError when no complete response came, BackupError for a body or headers
+    /// that are too large, and CancellationError as soon as a stop is requested. Any executor, any number at
+    /// a time.
     asio::awaitable<HTTPResponse> send(std::shared_ptr<const HTTPRequest> request, std::stop_token stop);
 
   private:

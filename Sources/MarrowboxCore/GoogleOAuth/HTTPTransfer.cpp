@@ -10,6 +10,8 @@ namespace {
 
 // Large enough that a page of a listing arrives in one or two pieces.
 constexpr long receiveBuffer = 256L << 10;
+// All header lines of an answer, those of interim answers and behind the body included.
+constexpr std::size_t largestHeaders = 256U << 10;
 // What was made ready for a request may be too old after a longer time than this.
 constexpr curl_off_t longestTurn = 30'000'000; // microseconds
 
@@ -78,6 +80,8 @@ CURL* HTTPTransfer::prepare(const HTTPSettings& settings) {
     set(CURLOPT_URL, request_->url.c_str());
     set(CURLOPT_WRITEFUNCTION, &HTTPTransfer::receive);
     set(CURLOPT_WRITEDATA, this);
+    set(CURLOPT_HEADERFUNCTION, &HTTPTransfer::receiveHeader);
+    set(CURLOPT_HEADERDATA, this);
     set(CURLOPT_BUFFERSIZE, receiveBuffer);
     largestBody_ = settings.largestBody;
     setConnection(settings);
@@ -154,6 +158,13 @@ std::size_t HTTPTransfer::receive(char* bytes, std::size_t, std::size_t count, v
     } catch (const std::bad_alloc&) {
         return 0;
     }
+}
+
+std::size_t HTTPTransfer::receiveHeader(char*, std::size_t, std::size_t count, void* transfer) noexcept {
+    auto& self = *static_cast<HTTPTransfer*>(transfer);
+    self.headerBytes_ += count;
+    self.isTooLarge_ = self.isTooLarge_ || self.headerBytes_ > largestHeaders;
+    return self.isTooLarge_ ? 0 : count;
 }
 
 bool HTTPTransfer::keep(std::string_view bytes) {

@@ -56,6 +56,8 @@ class HTTPTransfer {
     void setHeaders();
     void setConnection(const HTTPSettings& settings);
     static std::size_t receive(char* bytes, std::size_t one, std::size_t count, void* transfer) noexcept;
+    static std::size_t receiveHeader(char* bytes, std::size_t one, std::size_t count,
+                                     void* transfer) noexcept;
     bool keep(std::string_view bytes);
     void reserveBody();
     HTTPResponse response();
@@ -69,6 +71,7 @@ class HTTPTransfer {
     std::unique_ptr<CURL, FreeHandle> easy_;
     std::string body_;
     std::size_t received_ = 0;
+    std::size_t headerBytes_ = 0;
     std::size_t largestBody_ = 0;
     bool isTooLarge_ = false;
 };

@@ -4,6 +4,7 @@
 #include "Platform/RandomBytes.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
@@ -33,6 +34,27 @@ bool isMade(const fs::path& path, std::optional<mode_t> mode) {
     if (mode && ::chmod(path.c_str(), *mode) != 0)
         throwSystemError("chmod", path);
     return true;
+}
+
+/// Goes down piece by piece, for a path that is longer than a call takes.
+void makeLongDirectories(const fs::path& path, std::optional<mode_t> mode) {
+#ifdef __linux__
+    constexpr int inPassing = O_PATH; // needs no right to list the folder
+#else
+    constexpr int inPassing = O_RDONLY;
+#endif
+    Descriptor folder = openFile(path.is_absolute() ? path.root_path() : ".", inPassing | O_DIRECTORY);
+    for (const fs::path& piece : path.relative_path()) {
+        const bool isNew = ::mkdirat(folder.number(), piece.c_str(), mode.value_or(0777)) == 0;
+        if (!isNew && errno != EEXIST)
+            throwSystemError("mkdir", path);
+        if (isNew && mode && ::fchmodat(folder.number(), piece.c_str(), *mode, 0) != 0)
+            throwSystemError("chmod", path);
+        Descriptor inner(::openat(folder.number(), piece.c_str(), inPassing | O_DIRECTORY | O_CLOEXEC));
+        if (!inner)
+            throwSystemError("mkdir", path);
+        folder = std::move(inner);
+    }
 }
 
 } // namespace
@@ -181,6 +203,8 @@ void makeDirectory(const fs::path& path, mode_t mode) {
 void makeDirectories(const fs::path& path, std::optional<mode_t> mode) {
     if (isMade(path, mode))
         return;
+    if (errno == ENAMETOOLONG && path.native().size() >= PATH_MAX)
+        return makeLongDirectories(path, mode);
     if (errno == ENOENT && path.has_relative_path()) {
         makeDirectories(path.parent_path(), mode);
         if (isMade(path, mode))
