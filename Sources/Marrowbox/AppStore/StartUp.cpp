@@ -1,6 +1,7 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/Failure.h"
 #include "Models/JSONFile.h"
+#include "Platform/AtomicLeftovers.h"
 
 namespace marrowbox {
 
@@ -39,6 +40,7 @@ void AppStore::load() {
         state_.selectedUnitID.set(state_.configuration->units.front().id);
     loadClientAtStart();
     readLoginItemAtStart();
+    removeAtomicLeftovers(file);
     persist();
 }
 
