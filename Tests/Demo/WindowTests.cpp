@@ -50,6 +50,13 @@ class DemoWindow : public WithEventLoop {
         const QDBusMessage answer = bus.call(call, QDBus::Block, 20000);
         EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage) << answer.errorMessage().toStdString();
     }
+    /// Looks at the limits of the program with this data folder.
+    static void expectLeavesNoCoreDump(const QDBusConnection& bus, const fs::path& folder) {
+        const QString name = instanceName({{"MARROW_DATA_DIR", folder.string()}});
+        const unsigned process = bus.interface()->servicePid(name).value();
+        EXPECT_THAT(readFile("/proc/" + std::to_string(process) + "/limits"),
+                    testing::ContainsRegex("Max core file size +0 +0 "));
+    }
 };
 
 } // namespace
@@ -59,6 +66,7 @@ TEST_F(DemoWindow, opensOnWhatWasMadeAndGoesWithCtrlC) {
     DemoProgram demo(session(bus.address().toStdString()));
     demo.awaitWords("The window of Marrowbox opens on all this.");
     awaitProgram(bus.connect(), demo.folder());
+    expectLeavesNoCoreDump(bus.connect(), demo.folder());
     demo.interrupt();
     EXPECT_EQ(demo.status(), 0) << demo.written();
     demo.expectNothingRunning();

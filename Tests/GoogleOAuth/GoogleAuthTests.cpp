@@ -154,6 +154,8 @@ TEST_F(GoogleAuthTest, leavesTheStoredTokenAloneWhenARenewalFails) {
               "Google sign-in expired or was revoked. Reconnect the account in Settings.");
     answer(200, "{");
     EXPECT_THROW(token("1"), JSONDecodingError);
+    answer(200, R"({"access_token": "new", "expires_in": 1e400})");
+    EXPECT_ANY_THROW(token("1"));
     EXPECT_EQ(stored("1"), before);
 }
 
@@ -292,6 +294,14 @@ TEST_F(GoogleAuthTest, replacesTheTokenOfAUserWhoConnectsAgain) {
     answer(200, R"({"sub": "42", "email": "ann@example.org"})");
     save(driveScope);
     EXPECT_EQ(stored("42").accessToken, "new-access");
+}
+
+TEST_F(GoogleAuthTest, storesNothingForAUserWhoIsAPath) {
+    for (const std::string& user :
+         {std::string("../../escaped"), std::string("a/b"), std::string("a b"), std::string(200, 'a')}) {
+        answer(200, R"({"sub": ")" + user + R"(", "email": "ann@example.org"})");
+        EXPECT_EQ(thrown<BackupError>([&] { save(driveScope); }), "Invalid credential identifier.") << user;
+    }
 }
 
 TEST_F(GoogleAuthTest, storesNothingForAnAnswerWithoutAUser) {

@@ -174,6 +174,50 @@ TEST(Mounts, areKeptAsTheyWereWhenTheSystemTellsOnlyAPart) {
     EXPECT_TRUE(world.state().mountIssue->has_value());
 }
 
+TEST(Mounts, thatCannotBeLookedAtWhenTheyAreOpenedStayAndSayWhy) {
+    StoreWorld world;
+    AppStore& store = startWithSnapshot(world);
+    store.explore(newest(world));
+    world.time.advance(5);
+    world.desktop.forget();
+    world.machine->answer("hdiutil info", Result{1, ""});
+    store.openMounted(newest(world).id);
+    world.time.settle();
+    EXPECT_THAT(*world.state().mounted, SizeIs(1));
+    EXPECT_EQ(world.desktop.count("openFolder"), 0U);
+    EXPECT_EQ(*world.state().mountIssue,
+              "Snapshot mount recovery was skipped: macOS disk-image state could not be inspected; temporary "
+              "files were kept.");
+}
+
+TEST(Mounts, areOpenedWhereTheSecondLookFindsThem) {
+    StoreWorld world;
+    AppStore& store = startWithSnapshot(world);
+    store.explore(newest(world));
+    world.time.advance(5);
+    world.desktop.forget();
+    world.machine->answerOnce("hdiutil info", Result{1, ""});
+    store.openMounted(newest(world).id);
+    world.time.settle();
+    EXPECT_THAT(*world.state().mounted, SizeIs(1));
+    EXPECT_THAT(world.desktop.calls(), Contains("openFolder /Volumes/Snapshot"));
+    EXPECT_FALSE(world.state().mountIssue->has_value());
+}
+
+TEST(Mounts, areLeftAsTheyAreWhileAnotherProgramIsAtWorkOnThem) {
+    StoreWorld world;
+    AppStore& store = startWithSnapshot(world);
+    store.explore(newest(world));
+    world.time.advance(5);
+    world.desktop.forget();
+    const RepositoryLock lock(world.data / "MountedSnapshots" / "mounts.lock", "busy");
+    store.openMounted(newest(world).id);
+    world.time.settle();
+    EXPECT_THAT(*world.state().mounted, SizeIs(1)) << "a partial answer proves nothing";
+    EXPECT_EQ(world.desktop.count("openFolder"), 0U);
+    EXPECT_FALSE(world.state().mountIssue->has_value());
+}
+
 TEST(MountReconciliation, followsABurstOfEventsOnce) {
     StoreWorld world;
     startWithSnapshot(world);
