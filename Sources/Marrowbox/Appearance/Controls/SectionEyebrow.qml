@@ -36,6 +36,6 @@ RowLayout {
         textFormat: Text.PlainText
         font: Appearance.subheading
         color: Appearance.text
-        elide: Text.ElideRight
+        wrapMode: Text.Wrap
     }
 }
