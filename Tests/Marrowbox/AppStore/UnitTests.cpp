@@ -76,7 +76,9 @@ TEST(Units, areRefusedByAProgramThatMayNotWrite) {
 
 TEST(Units, keepTheirNextRunUnlessTheirScheduleChanges) {
     StoreWorld world;
-    AppStore& store = world.startWith(test::oneUnit(world));
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units[0].nextRun = world.time.now() + 900; // which no schedule would come to
+    AppStore& store = world.startWith(configuration);
     SyncUnit unit = world.unit();
     const auto nextRun = unit.nextRun;
     unit.name = "Letters";
