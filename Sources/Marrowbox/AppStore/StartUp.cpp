@@ -54,7 +54,9 @@ void AppStore::load() {
     lifetimeLock_.emplace(dataDirectory_ / ".application.lock",
                           "This backup is already in use. Wait for the other job to finish.");
     const fs::path file = dataDirectory_ / "Configuration.json";
-    if (fs::exists(file))
+    // A link whose disk is away is a configuration that cannot be read, and none to begin anew and write
+    // over.
+    if (linkStatus(file))
         state_.configuration.set(JSONFile::read<AppConfiguration>(file));
     requireKnownVersion(*state_.configuration);
     recoverInterruptedRuns();

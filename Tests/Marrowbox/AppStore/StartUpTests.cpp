@@ -189,6 +189,16 @@ TEST(StartUp, preservesAConfigurationThatCannotBeRead) {
     EXPECT_EQ(readFile(world.data / "Configuration.json"), "{\"units\": [");
 }
 
+TEST(StartUp, beginsNothingAnewWhereTheLinkToItsConfigurationLeadsNowhere) {
+    StoreWorld world;
+    makeDirectories(world.data, 0700);
+    fs::create_symlink(world.home / "Away" / "Configuration.json", world.data / "Configuration.json");
+    world.start();
+    EXPECT_THAT(world.error(), HasSubstr("No such file"));
+    EXPECT_FALSE(world.store->configurationIsReadable());
+    EXPECT_TRUE(fs::is_symlink(world.data / "Configuration.json"));
+}
+
 TEST(StartUp, tellsThatASecondCopyRuns) {
     StoreWorld first;
     first.write(test::oneUnit(first));
