@@ -129,8 +129,8 @@ int main(int count, char** arguments) {
     const Length length{number(arguments[1]), number(arguments[2]), number(arguments[3]),
                         number(arguments[4])};
     if (length.files == 0 || length.retentionDays == 0 || length.runsPerDay == 0 ||
-        length.days <= length.retentionDays) {
-        std::fputs("bench-long-life FILES DAYS RETENTION RUNS, of which DAYS is more than RETENTION\n",
+        length.days <= length.retentionDays + 1) {
+        std::fputs("bench-long-life FILES DAYS RETENTION RUNS, of which DAYS is at least RETENTION and two\n",
                    stderr);
         return 2;
     }
