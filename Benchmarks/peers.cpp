@@ -1,7 +1,7 @@
 // All that a backup does, beside restic and borg on the same tree, and beside `rclone copy` on the road from
 // a drive service to the disk. A table, without bars.
 //
-//     bench-peers [FILES [RUNS]]       3,000 small files and 5 runs unless told otherwise
+//     bench-peers [FILES [RUNS]]       2,000 small files and 5 runs unless told otherwise
 //
 // Each job is a process of its own, measured from its start to its end with the most memory that it held. The
 // programs take turns at each job, in another order in each run; the tree is in the page cache, and nothing

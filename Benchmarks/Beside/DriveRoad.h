@@ -15,7 +15,7 @@ namespace marrowbox::bench {
 class DriveRoad {
   public:
     struct Shape {
-        std::size_t files = 200;
+        std::size_t files = 150;
         std::size_t fileSize = 64 << 10;
         std::size_t largeFiles = 2;
         std::size_t largeSize = 32 << 20;

@@ -11,7 +11,7 @@ namespace marrowbox::bench {
 
 /// How many files a tree has, small ones and large ones.
 struct TreeShape {
-    std::size_t files = 3'000;
+    std::size_t files = 2'000;
     std::size_t fileSize = 64 << 10;
     std::size_t largeFiles = 2;
     std::size_t largeSize = 32 << 20;

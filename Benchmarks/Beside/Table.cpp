@@ -21,6 +21,7 @@ void Table::print() const {
     printHeader("peak memory, MB");
     for (const auto& job : jobs_)
         printRow(job, &Cost::peakBytes, 1 << 20);
+    std::fflush(stdout);
 }
 
 void Table::printHeader(const char* unit) const {
