@@ -1,5 +1,4 @@
 #include "Gallery/ContentWorld.h"
-#include "Gallery/LongerWords.h"
 #include "Gallery/Scene.h"
 
 #include <algorithm>
@@ -56,12 +55,6 @@ void colour(ContentWorld& world) {
         [](AppConfiguration& current) { current.units.front().theme = AccentTheme::sunshine; });
 }
 
-void translated(ContentWorld& world) {
-    new LongerWords(&world);
-    used(disconnect)(world);
-    world.window().unitPage()->setShowsActivity(true);
-}
-
 std::vector<Scene> pageScenes() {
     return {
         scene("nothing", [](ContentWorld& world) { world.begin({}); }),
@@ -71,8 +64,6 @@ std::vector<Scene> pageScenes() {
         scene("idle-tall", used(), tall),
         scene("idle-4k", used(), large),
         scene("sunshine", used(colour)),
-        scene("longer-words", translated, least),
-        scene("longer-words-tall", translated, tall),
         scene("long-names", used(rename), least),
         scene("long-history",
               [](ContentWorld& world) {

@@ -2,6 +2,7 @@
 
 #include "Gallery/Scene.h"
 
+#include <QStringList>
 #include <QTranslator>
 
 namespace marrowbox::gallery {
@@ -15,6 +16,9 @@ class LongerWords : public QTranslator {
     QString translate(const char* context, const char* source, const char* disambiguation,
                       int count) const override;
 };
+
+/// What has been said in it so far, a line each: the context, a tab, and the text with line ends as \n.
+QStringList saidInLongerWords();
 
 /// The same scene in that language.
 Scene inLongerWords(Scene scene);

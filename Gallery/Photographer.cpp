@@ -4,6 +4,7 @@
 #include "Marrowbox/Appearance/InstallAppearance.h"
 #include "Marrowbox/ContentView/InstallContentView.h"
 #include "Marrowbox/SetupViews/InstallSetupViews.h"
+#include "ScreenSupport/Fit.h"
 
 #include <QCoreApplication>
 #include <QQmlComponent>
@@ -110,6 +111,8 @@ QImage photograph(const Scene& scene, Light light) {
     QImage picture = settledPicture(*window);
     if (!heard.text().isEmpty())
         throw refusal(scene, heard.text());
+    if (const QStringList all = test::misfits(*window); !all.isEmpty())
+        throw refusal(scene, all.join(u'\n'));
     if (isBlank(picture))
         throw refusal(scene, QStringLiteral("nothing is drawn"));
     return picture;

@@ -1,4 +1,4 @@
-#include "Gallery/Scene.h"
+#include "Gallery/LongerWords.h"
 
 #include "Marrowbox/Appearance/SymbolProvider.h"
 
@@ -33,7 +33,10 @@ std::vector<Scene> controlScenes() {
 std::vector<Scene> allScenes() {
     std::vector<Scene> scenes = controlScenes();
     for (const auto& family : {contentScenes(), setupScenes()})
-        scenes.insert(scenes.end(), family.begin(), family.end());
+        for (const Scene& scene : family) {
+            scenes.push_back(scene);
+            scenes.push_back(inLongerWords(scene));
+        }
     return scenes;
 }
 

@@ -1,5 +1,4 @@
 // The welcome screen and the sheets, in each of their states.
-#include "Gallery/LongerWords.h"
 #include "Gallery/Scene.h"
 
 #include "Marrowbox/SetupViews/SettingsModel.h"
@@ -7,8 +6,6 @@
 #include "Marrowbox/SetupViews/WelcomeModel.h"
 #include "SetupWorld.h"
 
-#include <QStringList>
-#include <algorithm>
 #include <memory>
 
 namespace marrowbox::gallery {
@@ -248,11 +245,6 @@ std::vector<Scene> unitSettingsScenes() {
     return scenes;
 }
 
-const QStringList inLongerWordsToo{"welcome",           "welcome-connected",    "new-unit-folders",
-                                   "new-unit-ready",    "new-unit-reconnect",   "settings-general-attention",
-                                   "settings-accounts", "settings-email",       "settings-email-permission",
-                                   "unit-settings",     "unit-settings-shorten"};
-
 } // namespace
 
 std::vector<Scene> setupScenes() {
@@ -261,10 +253,6 @@ std::vector<Scene> setupScenes() {
                               welcome("welcome-connected-two", {test::anna(), test::ben()})};
     for (const auto& family : {newUnitScenes(), settingsScenes(), unitSettingsScenes()})
         scenes.insert(scenes.end(), family.begin(), family.end());
-    for (const QString& name : inLongerWordsToo) {
-        const auto scene = std::ranges::find(scenes, name, &Scene::name);
-        scenes.push_back(inLongerWords(*scene));
-    }
     return scenes;
 }
 

@@ -1,9 +1,11 @@
 // marrowbox-gallery FOLDER [NAME...]: takes a picture of every scene, or of those whose names begin so, in
 // light and dark, at the scale that QT_SCALE_FACTOR says. Ends with 1 and says why when a scene cannot be
-// shown or makes QML warn.
+// shown, makes QML warn, or when a text in it does not fit.
+#include "Gallery/LongerWords.h"
 #include "Gallery/Photographer.h"
 
 #include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QTextStream>
 #include <exception>
@@ -35,6 +37,13 @@ bool take(const Scene& scene, Light light, const QDir& folder) {
     }
 }
 
+/// For a test that holds them against what can be found for translation.
+void writeTexts(const QDir& folder) {
+    QFile file(folder.filePath(QStringLiteral("texts.tsv")));
+    if (file.open(QIODevice::WriteOnly))
+        file.write((saidInLongerWords().join(u'\n') + u'\n').toUtf8());
+}
+
 } // namespace
 
 int main(int count, char** values) {
@@ -52,6 +61,7 @@ int main(int count, char** values) {
         for (const Light light : {Light::light, Light::dark})
             ++(take(scene, light, folder) ? taken : failed);
     }
+    writeTexts(folder);
     QTextStream(stdout) << taken << " pictures in " << folder.absolutePath() << Qt::endl;
     return failed == 0 && taken > 0 ? 0 : 1;
 }

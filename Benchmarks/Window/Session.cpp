@@ -1,5 +1,6 @@
 #include "Window/Session.h"
 
+#include <QCoreApplication>
 #include <chrono>
 #include <stdexcept>
 
@@ -8,6 +9,7 @@ namespace marrowbox::bench {
 namespace {
 
 constexpr int patience = 20'000; // milliseconds
+constexpr int longPatience = 600'000;
 
 } // namespace
 
@@ -55,6 +57,20 @@ double millisecondsToFirstFrame(const Session& session, const std::filesystem::p
     program.kill(); // it has nothing to bring to an end, and the next round wants a quiet machine
     program.waitForFinished();
     return time.count();
+}
+
+std::vector<double> measuredInside(const Session& session, const std::filesystem::path& data,
+                                   const QStringList& arguments) {
+    QProcess program;
+    program.setProcessEnvironment(session.environment(data));
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QCoreApplication::applicationFilePath(), arguments);
+    if (!program.waitForFinished(longPatience) || program.exitCode() != 0)
+        throw std::runtime_error("A measuring process failed.");
+    std::vector<double> numbers;
+    for (const QByteArray& word : program.readAll().simplified().split(' '))
+        numbers.push_back(word.toDouble());
+    return numbers;
 }
 
 } // namespace marrowbox::bench

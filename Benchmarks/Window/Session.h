@@ -30,4 +30,8 @@ class Session {
 /// Milliseconds from the start of the program to its first frame in the session. The program is ended then.
 double millisecondsToFirstFrame(const Session& session, const std::filesystem::path& data);
 
+/// Runs this program again as one that measures itself in the session, and gives the numbers that it writes.
+std::vector<double> measuredInside(const Session& session, const std::filesystem::path& data,
+                                   const QStringList& arguments);
+
 } // namespace marrowbox::bench

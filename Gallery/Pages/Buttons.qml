@@ -38,10 +38,6 @@ Page {
             Component.onCompleted: forceActiveFocus(Qt.TabFocusReason)
         }
         ActionButton { theme: "sunshine"; text: "Sunshine"; emphasis: ActionButton.Primary }
-        ActionButton {
-            Layout.preferredWidth: Appearance.fieldWidth
-            text: "Connect a Google account that has a very long name"
-        }
     }
 
     RowLayout {

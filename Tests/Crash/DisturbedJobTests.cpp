@@ -1,10 +1,10 @@
 // Every job but the run is stopped before each of its calls that change the disk, and has each of them fail
 // in every way that disks fail.
+#include "Disturbance.h"
 #include "Job.h"
 #include "Support/Spread.h"
 #include "Support/WatchedProgram.h"
 
-#include <cerrno>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <sys/wait.h>
@@ -14,33 +14,6 @@ namespace marrowbox::test {
 namespace {
 
 constexpr int refused = 3;
-
-struct Disturbance {
-    std::string name;
-    Answer answer;
-    /// Whether the job must go on as if nothing had happened, where the call is one that can be disturbed so.
-    bool isBorne;
-    bool isSignal = false;
-
-    friend std::ostream& operator<<(std::ostream& stream, const Disturbance& it) { return stream << it.name; }
-};
-
-std::vector<Disturbance> disturbances() {
-    return {{"Kill", Answer::kill(), false},
-            {"FullDisk", Answer::fail(ENOSPC), false},
-            {"BrokenDisk", Answer::fail(EIO), false},
-            {"ReadOnlyDisk", Answer::fail(EROFS), false},
-            {"Signal", Answer::fail(EINTR), true, true},
-            {"ShortWrite", Answer::writeHalf(), true}};
-}
-
-/// What a signal interrupts: of all other calls the kernel never says so.
-bool isInterruptible(const FileCall& call) {
-    for (const std::string_view name : {"open", "openat", "write", "pwrite64", "fsync", "copy_file_range"})
-        if (call.name == name)
-            return true;
-    return false;
-}
 
 struct End {
     int status = 0;
@@ -68,7 +41,7 @@ class DisturbedJob : public testing::TestWithParam<std::tuple<Job, Disturbance>>
     fs::path before() const { return scratch_ / "Before"; }
 
     bool counts(const FileCall& call, const fs::path& destination) const {
-        return call.isWithin(destination) && (!disturbance().isBorne || isInterruptible(call));
+        return call.isWithin(destination) && disturbance().suits(call);
     }
 
     /// Does the job on a copy of what it finds and disturbs the call of this number, or none.

@@ -11,7 +11,7 @@
 
 namespace marrowbox::test {
 
-BackedUpUnit::BackedUpUnit(fs::path at) : destination(std::move(at)) {
+BackedUpUnit::BackedUpUnit(fs::path at, std::size_t largest) : destination(std::move(at)) {
     makeDirectory(destination, 0700);
     unit.id = Uuid::random();
     unit.name = "Papers & more";
@@ -20,7 +20,7 @@ BackedUpUnit::BackedUpUnit(fs::path at) : destination(std::move(at)) {
     snapshot.completedAt = {817'000'000};
     const BackupRepository repository(destination, unit.id);
     repository.initialize();
-    addFile("a large one.bin", *randomBytes(3'000'001));
+    addFile("a large one.bin", *randomBytes(largest));
     addFile("an empty one", "");
     addFolder("an empty folder");
     addFolder("nested");

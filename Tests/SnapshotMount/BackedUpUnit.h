@@ -11,8 +11,8 @@ namespace marrowbox::test {
 /// A unit whose repository on disk holds one snapshot of many kinds of files.
 class BackedUpUnit {
   public:
-    /// The folder for the repository, which is made.
-    explicit BackedUpUnit(fs::path destination);
+    /// The folder for the repository, which is made, and the size of the largest file in bytes.
+    explicit BackedUpUnit(fs::path destination, std::size_t largest = 3'000'001);
 
     const fs::path destination;
     SyncUnit unit;

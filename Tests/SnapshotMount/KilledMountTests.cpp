@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -115,7 +116,10 @@ test::KillRule onceAt(std::string call, std::string end) {
 TEST_F(KilledMount, beforeItIsRecordedLeavesNothing) {
     killBefore(onceAt("rename", "mounts.json"));
     EXPECT_TRUE(world->hasNoWork());
+    EXPECT_EQ(reconcile(), nothing);
     EXPECT_EQ(unchangingReconcile(), nothing);
+    EXPECT_THAT(directoryNames(world->directory),
+                ::testing::UnorderedElementsAre("MountWork", "mounts.lock"));
 }
 
 TEST_F(KilledMount, beforeItsWorkFolderIsMadeLosesItsEntry) {
@@ -200,7 +204,10 @@ TEST_F(KilledMount, beforeItsVolumeIsRecordedIsAdopted) {
     killBefore([&](std::string_view call, const std::string& path) {
         return call == "rename" && path.ends_with("mounts.json") && ++records == 2;
     });
-    EXPECT_EQ(entry().phase, MountPhase::preparing);
+    const MountEntry before = entry();
+    EXPECT_EQ(before.phase, MountPhase::preparing);
+    EXPECT_EQ(reconcile().mounted.size(), 1u); // and the registry that never got its name goes
+    EXPECT_EQ(entry(), before);
     expectAdoptedAndEjected();
 }
 

@@ -25,9 +25,32 @@ TEST(Reconcile, ofAnEmptyRegistryFindsNothingAndIsSure) {
     EXPECT_EQ(world.unchangingReconcile(), nothing);
 }
 
+TEST(Reconcile, removesWhatAStopInTheMiddleOfASaveLeft) {
+    test::MountWorld world;
+    const MountEntry live = world.prepareMounted();
+    const fs::path unfinished = world.directory / ".mounts.json.0123456789abcdef";
+    const fs::path foreign = world.directory / ".mounts.json.mine";
+    for (const fs::path& path : {unfinished, foreign})
+        writeAll(openFile(path, O_WRONLY | O_CREAT), "{\"version\":1,");
+    const SnapshotMount::Reconciliation expected{.mounted = {world.mountedOf(live)}, .isAuthoritative = true};
+    EXPECT_EQ(world.run(world.mounts.reconcile({})), expected);
+    EXPECT_FALSE(fs::exists(unfinished));
+    EXPECT_TRUE(fs::exists(foreign));
+    EXPECT_EQ(world.unchangingReconcile(), expected);
+}
+
+TEST(Reconcile, leavesTheSaveOfAnOperationUnderWayAlone) {
+    test::MountWorld world;
+    world.folder.ensureDirectories();
+    const RepositoryLock lock = world.folder.lock();
+    const AtomicFile save(world.folder.registryFile());
+    EXPECT_EQ(world.unchangingReconcile(), SnapshotMount::Reconciliation{});
+}
+
 TEST(Reconcile, thatCannotReadTheInventoryDeletesNothingAndIsNotSure) {
     test::MountWorld world;
     world.prepare();
+    writeAll(openFile(world.directory / ".mounts.json.0123456789abcdef", O_WRONLY | O_CREAT), "{");
     const auto issueOf = [&](ProcessRunner::Result answer) {
         world.machine->answer("hdiutil info", answer);
         const auto reconciliation = world.unchangingReconcile();

@@ -4,10 +4,31 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace marrowbox::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// A file of /proc; empty when its process has ended.
+std::string readStatus(const fs::path& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool goesOn(const fs::path& thread) {
+    const std::string status = readStatus(thread / "stat");
+    const std::size_t name = status.rfind(") "); // behind a name, which may hold anything
+    return name != std::string::npos && (status[name + 2] == 'R' || status[name + 2] == 'D');
+}
+
+} // namespace
 
 bool hasNoChild() {
     siginfo_t child{};
@@ -17,6 +38,20 @@ bool hasNoChild() {
 std::size_t openDescriptorCount() {
     // Less the one that reads the folder.
     return directoryNames("/proc/self/fd").size() - 1;
+}
+
+bool isAtWork(pid_t process) {
+    std::error_code ended;
+    fs::directory_iterator thread("/proc/" + std::to_string(process) + "/task", ended);
+    for (; thread != fs::directory_iterator(); thread.increment(ended)) {
+        if (goesOn(thread->path()))
+            return true;
+        std::istringstream children(readStatus(thread->path() / "children"));
+        for (pid_t child = 0; children >> child;)
+            if (isAtWork(child))
+                return true;
+    }
+    return false;
 }
 
 NamedPipe::NamedPipe(std::filesystem::path path) : path_(std::move(path)) {

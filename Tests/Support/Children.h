@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 
 namespace marrowbox::test {
 
@@ -14,6 +15,10 @@ bool hasNoChild();
 
 /// How many descriptors this process has open.
 std::size_t openDescriptorCount();
+
+/// True when a thread of this process, or of one that descends from it, runs or waits for the disk: it goes
+/// on by itself, whatever nobody does. A process that has ended is not at work.
+bool isAtWork(pid_t process);
 
 /// A named pipe: how a test and a child wait for each other without a clock.
 class NamedPipe {

@@ -23,4 +23,8 @@ std::vector<int> spread(int last, int atMost) {
     return numbers;
 }
 
+std::size_t stepOfManyCases() {
+    return isSanitized ? 7 : 1;
+}
+
 } // namespace marrowbox::test

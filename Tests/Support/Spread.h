@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 namespace marrowbox::test {
@@ -7,5 +8,8 @@ namespace marrowbox::test {
 /// At most so many numbers from 1 to the last, spread evenly; a quarter of that in the slow builds that look
 /// for faults of memory and threads.
 std::vector<int> spread(int last, int atMost);
+
+/// By how much a loop over thousands of nearly equal cases goes on: 1, and more in those slow builds.
+std::size_t stepOfManyCases();
 
 } // namespace marrowbox::test

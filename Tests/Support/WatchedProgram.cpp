@@ -1,6 +1,7 @@
 #include "Support/WatchedProgram.h"
 
 #include "Platform/Files.h"
+#include "Support/Children.h"
 
 #include <array>
 #include <cerrno>
@@ -24,8 +25,10 @@ namespace marrowbox::test {
 
 namespace {
 
-/// After so long without a call, threads that are at work would have made one.
+/// A program that is not at work after so long without a call waits for an answer.
 constexpr int quietMilliseconds = 2;
+/// One that works on for so many times as long makes no calls.
+constexpr int longestWork = 1000;
 
 class WatchingRefused : public std::runtime_error {
   public:
@@ -145,15 +148,22 @@ WatchedProgram::~WatchedProgram() {
 
 int WatchedProgram::run(const std::function<Answer(const FileCall&)>& decide) {
     std::array<pollfd, 2> waits{pollfd{calls_.number(), POLLIN, 0}, pollfd{process_.number(), POLLIN, 0}};
-    while (true) {
-        const int ready = ::poll(waits.data(), waits.size(), held_.empty() ? -1 : quietMilliseconds);
+    const auto poll = [&](int milliseconds) {
+        const int ready = ::poll(waits.data(), waits.size(), milliseconds);
         if (ready < 0 && errno != EINTR)
             throwError("poll");
+        return ready != 0;
+    };
+    int silences = 0;
+    while (true) {
+        const bool moved = poll(held_.empty() ? -1 : quietMilliseconds);
+        silences = moved ? 0 : silences + 1;
         if ((waits[1].revents & POLLIN) != 0)
             return status();
         if ((waits[0].revents & POLLIN) != 0)
             answerNext(decide);
-        else if (ready == 0)
+        // One that was at work a moment ago may have asked since.
+        else if (!moved && (silences > longestWork || (!isAtWork(child_) && !poll(0))))
             answerHeld(decide);
     }
 }

@@ -23,8 +23,8 @@ class Answer {
     static Answer fail(int error) { return Answer(Kind::fail, error); }
     /// A write of several bytes writes the first half of them; any other call takes place.
     static Answer writeHalf() { return Answer(Kind::writeHalf, 0); }
-    /// The call waits until no other thread has asked for anything for a moment, and is then asked about
-    /// again. What the other threads did meanwhile did not need it.
+    /// The call waits until every other thread of the program and its children waits for something, and is
+    /// then asked about again. What the others did meanwhile did not need it.
     static Answer whenQuiet() { return Answer(Kind::whenQuiet, 0); }
 
   private:

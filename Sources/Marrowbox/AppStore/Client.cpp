@@ -1,6 +1,7 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/HeldFlag.h"
 #include "Models/BackupError.h"
+#include "Platform/AtomicLeftovers.h"
 #include "Platform/Files.h"
 
 namespace marrowbox {
@@ -21,6 +22,7 @@ void AppStore::loadClientAtStart() {
     } else if (importedIsInForce) {
         state_.configuration.change([](AppConfiguration& current) { current.usesImportedClient = false; });
     }
+    removeAtomicLeftovers(imported);
 }
 
 void AppStore::loadClient(const fs::path& file) {

@@ -28,6 +28,14 @@ RunRecord newRecord(const SyncUnit& unit, const GoogleAccount& account, const Ap
     return record;
 }
 
+/// When a unit runs next after a run of it as it was when that began.
+std::optional<Date> timeAfter(const RunRecord& record, const SyncUnit& unit, const SyncUnit& stored, Date now,
+                              const std::function<Calendar()>& calendar) {
+    const bool triesAgainSoon =
+        record.outcome == RunOutcome::failed && unit.schedule.frequency != ScheduleFrequency::manual;
+    return triesAgainSoon ? now + retryDelay : stored.schedule.next(now, calendar());
+}
+
 } // namespace
 
 /// What holds while a run is in progress, and ends with it on every way out.
@@ -125,16 +133,21 @@ void AppStore::finish(const RunRecord& finished, const SyncUnit& unit) {
     RunRecord record = finished;
     const Date now = around_.clock();
     record.endedAt = now;
+    const SyncUnit* const stored = state_.unit(unit.id);
+    std::optional<Date> nextRun = now + retryDelay;
+    try {
+        if (stored)
+            nextRun = timeAfter(record, unit, *stored, now, around_.calendar);
+    } catch (const std::exception& failure) {
+        report(failure); // a time that cannot be told is no reason not to write down what was done
+    }
     state_.configuration.change([&](AppConfiguration& current) {
         const auto kept = std::ranges::find(current.runs, record.id, &RunRecord::id);
         if (kept != current.runs.end())
             *kept = record;
-        const auto stored = std::ranges::find(current.units, unit.id, &SyncUnit::id);
-        if (stored == current.units.end())
-            return;
-        const bool triesAgainSoon =
-            record.outcome == RunOutcome::failed && unit.schedule.frequency != ScheduleFrequency::manual;
-        stored->nextRun = triesAgainSoon ? now + retryDelay : stored->schedule.next(now, around_.calendar());
+        const auto planned = std::ranges::find(current.units, unit.id, &SyncUnit::id);
+        if (planned != current.units.end())
+            planned->nextRun = nextRun;
     });
     persistOrReport();
 }
@@ -164,7 +177,8 @@ asio::awaitable<fs::path> AppStore::destination(SyncUnit unit) {
 asio::awaitable<fs::path> AppStore::renewBookmark(SyncUnit unit, fs::path found) {
     const ByteString fresh = co_await onExecutor(
         around_.pool, [&desktop = around_.desktop, found] { return desktop.makeBookmark(found); });
-    if (!state_.unit(unit.id))
+    // A program that may write nothing down reads the history where it found it.
+    if (!configurationIsReadable_ || !state_.unit(unit.id))
         co_return found;
     state_.configuration.change([&](AppConfiguration& current) {
         const auto stored = std::ranges::find(current.units, unit.id, &SyncUnit::id);

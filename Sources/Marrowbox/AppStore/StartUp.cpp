@@ -1,6 +1,8 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/Failure.h"
+#include "Marrowbox/AppStore/OnExecutor.h"
 #include "Models/JSONFile.h"
+#include "Platform/AtomicLeftovers.h"
 
 namespace marrowbox {
 
@@ -8,6 +10,28 @@ namespace {
 
 constexpr std::chrono::duration<double> tickInterval{30};
 constexpr std::chrono::duration<double> unmountSettlingTime{0.7};
+
+/// Makes the data folder where there is none yet, and gives the folders that hold a new name by then. The one
+/// above the data folder always counts: an earlier start may have been stopped before its name lasted.
+std::vector<fs::path> makeDataFolder(const fs::path& path) {
+    std::vector<fs::path> holders{path.parent_path()};
+    while (!linkStatus(holders.back()) && holders.back().has_relative_path())
+        holders.push_back(holders.back().parent_path());
+    makeDirectories(path, 0700);
+    return holders;
+}
+
+void makeNamesLast(const std::vector<fs::path>& folders) {
+    for (const fs::path& folder : folders) {
+        try {
+            synchronizeFolder(folder);
+        } catch (const std::system_error& failure) {
+            // A folder that the user may only pass through was not made here.
+            if (failure.code() != std::errc::permission_denied)
+                throw;
+        }
+    }
+}
 
 } // namespace
 
@@ -26,11 +50,13 @@ void AppStore::bringUp() {
 }
 
 void AppStore::load() {
-    makeDirectories(dataDirectory_, 0700);
+    const std::vector<fs::path> holders = makeDataFolder(dataDirectory_);
     lifetimeLock_.emplace(dataDirectory_ / ".application.lock",
                           "This backup is already in use. Wait for the other job to finish.");
     const fs::path file = dataDirectory_ / "Configuration.json";
-    if (fs::exists(file))
+    // A link whose disk is away is a configuration that cannot be read, and none to begin anew and write
+    // over.
+    if (linkStatus(file))
         state_.configuration.set(JSONFile::read<AppConfiguration>(file));
     requireKnownVersion(*state_.configuration);
     recoverInterruptedRuns();
@@ -39,7 +65,9 @@ void AppStore::load() {
         state_.selectedUnitID.set(state_.configuration->units.front().id);
     loadClientAtStart();
     readLoginItemAtStart();
+    removeAtomicLeftovers(file);
     persist();
+    spawn(onExecutor(around_.pool, [holders] { makeNamesLast(holders); }));
 }
 
 void AppStore::recoverInterruptedRuns() {

@@ -23,7 +23,8 @@ asio::awaitable<void> AppStore::addUnit(SyncUnit unit, fs::path destination) {
 
 asio::awaitable<void> AppStore::refreshAndBackUp(SyncUnit unit) {
     co_await refreshSnapshots();
-    run(unit, 0);
+    if (state_.unit(unit.id)) // removed meanwhile, it would be backed up where nobody looks
+        run(unit, 0);
 }
 
 void AppStore::updateUnit(SyncUnit unit) {

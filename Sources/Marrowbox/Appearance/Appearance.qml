@@ -119,7 +119,7 @@ QtObject {
     readonly property int historyRowHeight: 60
     readonly property int emailWidth: 128
     readonly property int sizesWidth: 120
-    readonly property int rowActionsWidth: 60
+    readonly property int rowActionsWidth: 64
     readonly property int mostActivityHeight: 400
 
     // Opacities

@@ -2,7 +2,7 @@
 
 #include "Marrowbox/ContentView/EmailTone.h"
 #include "Marrowbox/ContentView/Figures.h"
-#include "Platform/Wording.h"
+#include "Marrowbox/Platform/ScreenWording.h"
 
 #include <QStringList>
 
@@ -50,16 +50,13 @@ QString runText(const RunRecord& run) {
 QString catchUpText(const RunRecord& run) {
     if (!run.missedRuns)
         return {};
-    const char* const sentence =
+    const QString sentence =
         *run.missedRuns == 1
-            ? QT_TRANSLATE_NOOP("marrowbox::ActivityModel",
-                                "Catch-up snapshot · {count} scheduled snapshot missed while this Mac was "
+            ? ActivityModel::tr("Catch-up snapshot · {count} scheduled snapshot missed while this Mac was "
                                 "asleep or offline")
-            : QT_TRANSLATE_NOOP("marrowbox::ActivityModel",
-                                "Catch-up snapshot · {count} scheduled snapshots missed while this Mac was "
+            : ActivityModel::tr("Catch-up snapshot · {count} scheduled snapshots missed while this Mac was "
                                 "asleep or offline");
-    return ActivityModel::tr(worded(sentence).c_str())
-        .replace(QStringLiteral("{count}"), countText(*run.missedRuns));
+    return worded(sentence).replace(QStringLiteral("{count}"), countText(*run.missedRuns));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include "Marrowbox/ContentView/EmailTone.h"
 #include "Marrowbox/ContentView/Figures.h"
-#include "Platform/Wording.h"
+#include "Marrowbox/Platform/ScreenWording.h"
 
 #include <QStringList>
 
@@ -38,7 +38,7 @@ void HistoryModel::refresh() {
 }
 
 QString HistoryModel::mountTitle() {
-    return tr(worded(QT_TR_NOOP("Mount read-only in Finder")).c_str());
+    return worded(tr("Mount read-only in Finder"));
 }
 
 QHash<int, QByteArray> HistoryModel::roleNames() const {

@@ -1,10 +1,10 @@
 import QtQuick
-import QtQuick.Layouts
 import QtQuick.Templates as T
 import Marrowbox.Appearance
 import Marrowbox.ContentView
 
-// One snapshot: when, what changed, its mail, its size, and what can be done with it.
+// One snapshot of a history. What is seen of it is made in the time between frames, since a history that arrives brings as many
+// rows at once as fit in the window, and all of them together take longer than a frame.
 T.Control {
     id: root
 
@@ -24,129 +24,27 @@ T.Control {
     property bool isExploring
     property bool isLast
     readonly property int buttonFocus: ListView.isCurrentItem ? Qt.TabFocus : Qt.NoFocus
+    readonly property IconButton menuButton: (content.item as HistoryRowContent)?.menuButton ?? null
 
     /// The menu of this row is wanted below the button.
     signal menuWanted(Item button)
 
     hoverEnabled: true
-    leftPadding: Appearance.gap
-    rightPadding: Appearance.smallGap
-    Keys.onReturnPressed: menuButton.press()
-    Keys.onEnterPressed: menuButton.press()
-    Keys.onSpacePressed: menuButton.press()
-    Keys.onMenuPressed: menuButton.press()
+    Keys.onReturnPressed: menuButton?.press()
+    Keys.onEnterPressed: menuButton?.press()
+    Keys.onSpacePressed: menuButton?.press()
+    Keys.onMenuPressed: menuButton?.press()
 
     Accessible.role: Accessible.ListItem
     Accessible.name: spokenName
     Accessible.focusable: true
 
-    background: Item {
-        Rectangle {
-            anchors.fill: parent
-            anchors.topMargin: Appearance.hairGap
-            anchors.bottomMargin: Appearance.hairGap
-            radius: Appearance.buttonRadius
-            color: Appearance.faded(Appearance.text, root.hovered ? Appearance.tileFill : 0)
+    contentItem: Loader {
+        id: content
 
-            FocusRing {
-                anchors.margins: 0
-                radius: parent.radius
-                shown: root.visualFocus
-            }
-        }
-
-        Separator {
-            width: parent.width
-            anchors.bottom: parent.bottom
-            visible: !root.isLast
-        }
-    }
-
-    contentItem: RowLayout {
-        spacing: Appearance.gap
-
-        ColumnLayout {
-            Layout.fillWidth: true
-            spacing: Appearance.tinyGap
-
-            RowLayout {
-                Layout.fillWidth: true
-                spacing: Appearance.smallGap
-
-                Words {
-                    text: root.dateText
-                    font: Appearance.strong
-                }
-
-                Icon {
-                    name: root.isMounted ? "checkmark.circle.fill" : ""
-                    color: Appearance.success
-                    Accessible.role: Accessible.Graphic
-                    Accessible.name: qsTr("Mounted")
-                }
-
-                Item {
-                    Layout.fillWidth: true
-                }
-            }
-
-            Words {
-                Layout.fillWidth: true
-                text: root.summary
-                font: Appearance.caption
-                color: Appearance.muted
-            }
-        }
-
-        EmailStatusLine {
-            Layout.preferredWidth: Appearance.emailWidth
-            Layout.fillWidth: false
-            compact: true
-            text: root.emailShortText
-            fullText: root.emailText
-            icon: root.emailIcon
-            tone: root.emailTone
-        }
-
-        SnapshotSizes {
-            Layout.preferredWidth: Appearance.sizesWidth
-            Layout.fillWidth: false
-            visible: root.dataSize !== ""
-            dataSize: root.dataSize
-            fullSize: root.fullSize
-        }
-
-        RowLayout {
-            Layout.preferredWidth: Appearance.rowActionsWidth
-            Layout.fillWidth: false
-            spacing: Appearance.tinyGap
-
-            Item {
-                Layout.fillWidth: true
-            }
-
-            Loader {
-                active: root.isMounted
-                visible: active
-                sourceComponent: IconButton {
-                    focusPolicy: root.buttonFocus
-                    symbol: "eject"
-                    help: qsTr("Eject snapshot")
-                    onClicked: root.history.eject(root.snapshotID)
-                }
-            }
-
-            IconButton {
-                id: menuButton
-
-                focusPolicy: root.buttonFocus
-                enabled: !root.isExploring
-                disabledReason: qsTr("Another snapshot is being prepared or restored.")
-                symbol: "ellipsis"
-                help: qsTr("Snapshot actions")
-                Accessible.role: Accessible.ButtonMenu
-                onClicked: root.menuWanted(menuButton)
-            }
+        asynchronous: true
+        sourceComponent: HistoryRowContent {
+            row: root
         }
     }
 }

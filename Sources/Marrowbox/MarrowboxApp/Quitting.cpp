@@ -1,6 +1,6 @@
 #include "Marrowbox/MarrowboxApp/Quitting.h"
 
-#include "Platform/Wording.h"
+#include "Marrowbox/Platform/ScreenWording.h"
 
 namespace marrowbox {
 
@@ -14,11 +14,10 @@ QString Quitting::question() {
 }
 
 QString Quitting::explanation() {
-    return tr(
-        worded("The running backup will be cancelled. Mounted snapshots stay available in Finder, where "
-               "you can eject them even while Marrowbox is closed. Scheduled backups resume next time "
-               "the app opens.")
-            .c_str());
+    return worded(
+        tr("The running backup will be cancelled. Mounted snapshots stay available in Finder, where "
+           "you can eject them even while Marrowbox is closed. Scheduled backups resume next time "
+           "the app opens."));
 }
 
 QString Quitting::keepRunningText() {

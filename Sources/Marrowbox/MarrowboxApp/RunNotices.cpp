@@ -1,22 +1,19 @@
 #include "Marrowbox/MarrowboxApp/RunNotices.h"
 
-#include <QCoreApplication>
 #include <algorithm>
 
 namespace marrowbox {
 
 std::optional<RunNotice> noticeOf(const RunRecord& run) {
-    const auto tr = [](const char* text, int count = -1) {
-        return QCoreApplication::translate("RunNotices", text, nullptr, count);
-    };
     const QString name = QString::fromStdString(run.unitName);
     if (run.outcome == RunOutcome::failed)
-        return RunNotice{tr("“%1” was not backed up").arg(name),
+        return RunNotice{RunNotices::tr("“%1” was not backed up").arg(name),
                          QString::fromStdString(run.detail.value_or(""))};
     if (run.outcome == RunOutcome::succeeded && run.missedRuns)
-        return RunNotice{tr("“%1” has caught up").arg(name),
-                         tr("A new snapshot makes up for those missed while this computer was asleep or "
-                            "offline.")};
+        return RunNotice{
+            RunNotices::tr("“%1” has caught up").arg(name),
+            RunNotices::tr("A new snapshot makes up for those missed while this computer was asleep or "
+                           "offline.")};
     return std::nullopt;
 }
 

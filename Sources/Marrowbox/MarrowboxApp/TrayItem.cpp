@@ -79,7 +79,7 @@ void TrayItem::showRows() {
 
 void TrayItem::fill(QMenu& menu, const std::vector<TrayRow>& rows) {
     for (const TrayRow& row : rows) {
-        if (row.isLine()) {
+        if (row.isLine) {
             menu.addSeparator();
         } else if (!row.children.empty()) {
             fill(*menu.addMenu(row.text), row.children);

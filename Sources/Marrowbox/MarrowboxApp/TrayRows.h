@@ -39,13 +39,13 @@ using Any = std::variant<OpenWindow, BackUp, CancelBackup, OpenMounted, Eject, O
 
 /// A row of the tray's menu: a text, a command, a line between groups, or a menu of its own.
 struct TrayRow {
-    QString text; ///< Empty for a line.
+    QString text;
     std::optional<TrayCommand::Any> command;
     bool isEnabled = true;
     QString icon; ///< Name of a symbol; empty for none.
     std::vector<TrayRow> children;
+    bool isLine = false; ///< Told apart from a status that has nothing to say yet.
 
-    bool isLine() const { return text.isEmpty(); }
     friend bool operator==(const TrayRow&, const TrayRow&) = default;
 };
 

@@ -20,6 +20,7 @@ ColumnLayout {
             Layout.fillWidth: true
             number: qsTr("1")
             title: qsTr("Google account")
+            wrapped: true
         }
 
         Badge {

@@ -1,8 +1,8 @@
 #include "Marrowbox/SetupViews/EmailDraft.h"
 
 #include "Marrowbox/AppStore/Failure.h"
+#include "Marrowbox/Platform/ScreenWording.h"
 #include "Marrowbox/SetupViews/AccountConnection.h"
-#include "Platform/Wording.h"
 
 #include <QVariantMap>
 
@@ -52,9 +52,8 @@ void EmailDraft::followStored() {
 }
 
 QString EmailDraft::introduction() {
-    return tr(worded("A clear summary after every backup, including no-change runs and failures. Emails wait "
-                     "and retry if your Mac is offline.")
-                  .c_str());
+    return worded(tr("A clear summary after every backup, including no-change runs and failures. Emails wait "
+                     "and retry if your Mac is offline."));
 }
 
 QVariantList EmailDraft::providers() {

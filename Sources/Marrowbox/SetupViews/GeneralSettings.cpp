@@ -1,6 +1,6 @@
 #include "Marrowbox/SetupViews/GeneralSettings.h"
 
-#include "Platform/Wording.h"
+#include "Marrowbox/Platform/ScreenWording.h"
 
 namespace marrowbox {
 
@@ -23,17 +23,16 @@ void GeneralSettings::follow(StoreField field) {
 }
 
 QString GeneralSettings::approvalNote() {
-    return tr(worded("Approve Marrowbox in System Settings → General → Login Items.").c_str());
+    return worded(tr("Approve Marrowbox in System Settings → General → Login Items."));
 }
 
 QString GeneralSettings::closingNote() {
-    return tr(worded("Closing the window keeps backups running in the menu bar. Quitting the app pauses "
-                     "scheduled backups until it opens again.")
-                  .c_str());
+    return worded(tr("Closing the window keeps backups running in the menu bar. Quitting the app pauses "
+                     "scheduled backups until it opens again."));
 }
 
 QString GeneralSettings::rcloneHint() {
-    return tr(worded("Install it with Homebrew: brew install rclone").c_str());
+    return worded(tr("Install it with Homebrew: brew install rclone"));
 }
 
 QString GeneralSettings::client() const {
@@ -45,9 +44,8 @@ QString GeneralSettings::project() const {
 }
 
 QString GeneralSettings::clientNote() {
-    return tr(worded("Marrowbox ships with its own Google OAuth client. Import one only to sign in through "
-                     "your own Cloud project. Tokens stay securely on this Mac.")
-                  .c_str());
+    return worded(tr("Marrowbox ships with its own Google OAuth client. Import one only to sign in through "
+                     "your own Cloud project. Tokens stay securely on this Mac."));
 }
 
 void GeneralSettings::setStartsAtLogin(bool starts) {

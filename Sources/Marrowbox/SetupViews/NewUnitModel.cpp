@@ -1,6 +1,6 @@
 #include "Marrowbox/SetupViews/NewUnitModel.h"
 
-#include "Platform/Wording.h"
+#include "Marrowbox/Platform/ScreenWording.h"
 
 namespace marrowbox {
 
@@ -38,11 +38,11 @@ QString NewUnitModel::sourceSymbol() const {
 
 QString NewUnitModel::destinationText() const {
     return destination_ ? QString::fromStdString(destination_->string())
-                        : tr(worded("A folder on your Mac, disk, or NAS").c_str());
+                        : worded(tr("A folder on your Mac, disk, or NAS"));
 }
 
 QString NewUnitModel::destinationNote() {
-    return tr(worded("Connect a NAS share in Finder before choosing it here.").c_str());
+    return worded(tr("Connect a NAS share in Finder before choosing it here."));
 }
 
 void NewUnitModel::setName(const QString& name) {

@@ -1,11 +1,11 @@
 // What the sheet waits for: the folder chooser, and the making of the backup.
 #include "Marrowbox/AppStore/Failure.h"
 #include "Marrowbox/AppStore/OnExecutor.h"
+#include "Marrowbox/Platform/ScreenWording.h"
 #include "Marrowbox/SetupViews/Destination.h"
 #include "Marrowbox/SetupViews/NewUnitModel.h"
 #include "Marrowbox/SetupViews/ScreenWork.h"
 #include "Platform/Cancellation.h"
-#include "Platform/Wording.h"
 
 namespace marrowbox {
 
@@ -24,9 +24,8 @@ asio::awaitable<void> NewUnitModel::choose(QPointer<NewUnitModel> self, std::sha
     Choice choice;
     try {
         const std::string message =
-            tr(worded("Choose a folder on this Mac, an external drive, or a NAS share "
-                      "mounted in Finder.")
-                   .c_str())
+            worded(tr("Choose a folder on this Mac, an external drive, or a NAS share "
+                      "mounted in Finder."))
                 .toStdString();
         const std::optional<fs::path> chosen = co_await store->surroundings().desktop.chooseFolder(message);
         throwIfCancelled(stop);

@@ -1,8 +1,9 @@
 #include "Marrowbox/SetupViews/UnitSettingsModel.h"
 
+#include "Marrowbox/Platform/ScreenWording.h"
+
 #include "Marrowbox/SetupViews/ScreenWork.h"
 #include "Marrowbox/SetupViews/SettingsModel.h"
-#include "Platform/Wording.h"
 
 #include <QVariantMap>
 #include <algorithm>
@@ -61,7 +62,7 @@ void UnitSettingsModel::setName(const QString& name) {
 QVariantList UnitSettingsModel::frequencies() {
     QVariantList choices;
     for (const ScheduleFrequency frequency : allScheduleFrequencies)
-        choices.append(choice(storedName(frequency), tr(title(frequency).c_str())));
+        choices.append(choice(storedName(frequency), spoken(title(frequency))));
     return choices;
 }
 
@@ -107,9 +108,8 @@ void UnitSettingsModel::setWeekday(int weekday) {
 }
 
 QString UnitSettingsModel::scheduleNote() {
-    return tr(worded("Uses your Mac’s time zone. Missed snapshots catch up after waking or reconnecting the "
-                     "destination.")
-                  .c_str());
+    return worded(tr("Uses your Mac’s time zone. Missed snapshots catch up after waking or reconnecting the "
+                     "destination."));
 }
 
 QVariantList UnitSettingsModel::histories() const {
@@ -134,7 +134,7 @@ void UnitSettingsModel::setHistory(int days) {
 QVariantList UnitSettingsModel::policies() {
     QVariantList choices;
     for (const NotificationPolicy policy : allNotificationPolicies)
-        choices.append(choice(storedName(policy), tr(title(policy).c_str())));
+        choices.append(choice(storedName(policy), spoken(title(policy))));
     return choices;
 }
 
@@ -148,7 +148,7 @@ void UnitSettingsModel::setPolicy(const QString& policy) {
 }
 
 QString UnitSettingsModel::policyDetail() const {
-    return tr(detail(unit_.notificationPolicy()).c_str());
+    return spoken(detail(unit_.notificationPolicy()));
 }
 
 bool UnitSettingsModel::emailIsOff() const {

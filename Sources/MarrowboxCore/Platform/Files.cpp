@@ -1,7 +1,6 @@
 #include "Platform/Files.h"
 
-#include "Platform/Digest.h"
-#include "Platform/RandomBytes.h"
+#include "Platform/AtomicLeftovers.h"
 
 #include <cerrno>
 #include <climits>
@@ -229,11 +228,8 @@ void removeTree(const fs::path& path) {
     fs::remove_all(path);
 }
 
-AtomicFile::AtomicFile(fs::path target) : target_(std::move(target)) {
-    const auto random = randomBytes(8);
-    if (!random)
-        throw std::system_error(EIO, std::generic_category(), "random bytes");
-    temporary_ = target_.parent_path() / ("." + target_.filename().string() + "." + hexadecimal(*random));
+AtomicFile::AtomicFile(fs::path target)
+    : target_(std::move(target)), temporary_(temporaryNameBeside(target_)) {
     file_ = openFile(temporary_, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
 }
 

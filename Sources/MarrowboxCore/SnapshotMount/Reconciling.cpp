@@ -2,6 +2,7 @@
 #include "SnapshotMount/SnapshotMount.h"
 
 #include "Models/BackupError.h"
+#include "Platform/AtomicLeftovers.h"
 #include "Platform/Cancellation.h"
 #include "Repository/LockBusyError.h"
 #include "SnapshotMount/ActiveSnapshot.h"
@@ -51,6 +52,8 @@ asio::awaitable<SnapshotMount::Reconciliation> SnapshotMount::reconcileHere(std:
         co_return Reconciliation{.issue =
                                      std::string("Snapshot mount recovery was skipped: ") + failure.what()};
     }
+    // Under the lock nobody else is replacing the registry, and the folder was proved to be the user's own.
+    removeAtomicLeftovers(folder_.registryFile());
     Reconciliation reconciliation{.isAuthoritative = true};
     for (std::size_t position = 0; position < registry.entries.size(); ++position) {
         Finding finding = co_await judge(registry.entries[position], attachments, stop);

@@ -85,6 +85,38 @@ TEST(Runs, thatCannotBeWrittenDownAtTheirEndSayItAndEnd) {
     EXPECT_EQ(world.lastRun().outcome, RunOutcome::interrupted) << "as the disk has it";
 }
 
+TEST(Runs, areWrittenDownAlsoWhenTheirNextTimeCannotBeTold) {
+    StoreWorld world;
+    world.startWith(test::oneUnit(world));
+    world.startHeldRun();
+    world.zone = "Nowhere/Nothing";
+    world.letSourcesGo();
+    EXPECT_NE(world.error(), "");
+    EXPECT_EQ(world.written().runs.at(0).outcome, RunOutcome::succeeded);
+    EXPECT_EQ(world.written().units.at(0).nextRun, world.time.now() + 900);
+    EXPECT_FALSE(*world.state().activeUnitID);
+}
+
+TEST(Runs, needAClientAnAccountAndRclone) {
+    for (const char* const missing : {"client", "account", "rclone"}) {
+        StoreWorld world;
+        AppConfiguration configuration = test::oneUnit(world);
+        if (missing == std::string("account"))
+            configuration.accounts.clear();
+        world.write(configuration);
+        if (missing == std::string("client"))
+            world.bundledClient.reset();
+        if (missing == std::string("rclone"))
+            world.rclone.reset();
+        AppStore& store = world.start();
+        store.run(world.unit(), 0);
+        world.time.settle();
+        EXPECT_EQ(world.error(), "Connect this unit’s Google account and install rclone before backing up.")
+            << missing;
+        EXPECT_EQ(world.configuration(), configuration) << missing;
+    }
+}
+
 TEST(Runs, standAlthoughTheHistoryCannotBeCleanedUp) {
     StoreWorld world;
     AppConfiguration configuration = test::oneUnit(world);

@@ -62,6 +62,8 @@ class KilledStore : public testing::Test {
         next.environment = {{"MARROW_DATA_DIR", data.string()}};
         next.start();
         EXPECT_TRUE(next.store->configurationIsReadable()) << next.error();
+        for (const std::string& name : directoryNames(data))
+            EXPECT_FALSE(name.starts_with(".Configuration.") || name.starts_with(".GoogleOAuth.")) << name;
         EXPECT_GE(next.configuration().runs.size(), 365U);
         int interrupted = 0;
         for (std::size_t index = 0; index < left.runs.size(); ++index) {

@@ -91,6 +91,9 @@ TEST(Restores, andMountsExcludeEachOther) {
     world.desktop.choose(world.home / "Target");
     world.time.settle();
     EXPECT_THAT(namesIn(world.home / "Target"), SizeIs(0)) << "a mount has begun meanwhile";
+    store.explore(newest(world));
+    world.time.settle();
+    EXPECT_FALSE(world.state().mountIssue->has_value()) << "a second press does nothing and says nothing";
     gate->letGo();
     world.time.settle();
     EXPECT_THAT(*world.state().mounted, SizeIs(1));

@@ -67,6 +67,36 @@ TEST(Snapshots, ofTheUnitThatIsShownNowStandWhenAnEarlierRefreshEnds) {
     EXPECT_THAT(idsOfSnapshots(world), ElementsAre(first));
 }
 
+TEST(Snapshots, ofAUnitThatIsShownNoLongerAreNeverPublished) {
+    StoreWorld world;
+    AppStore& store = startTwoUnits(world);
+    const auto second = world.configuration().runs[0].snapshotID.value();
+    SyncUnit changed = world.unit(0);
+    int strangers = 0;
+    QObject::connect(&store, &AppStore::changed, [&](StoreField field) {
+        if (*world.state().selectedUnitID != world.unit(1).id)
+            return;
+        const auto ids = idsOfSnapshots(world);
+        strangers += field == StoreField::snapshots && !ids.empty() && ids.front() != second;
+        strangers += field == StoreField::destinationIssue && world.state().destinationIssue->has_value();
+    });
+    for (const fs::path& folder : {world.disk, world.home / "Away"}) {
+        changed.destinationPath = folder.string();
+        store.updateUnit(changed);
+        // The user moves on after each step of a refresh in turn.
+        for (int steps = 0; steps < 20; ++steps) {
+            store.select(world.unit(0).id);
+            world.time.context().restart();
+            for (int step = 0; step < steps; ++step)
+                world.time.context().poll_one();
+            store.select(world.unit(1).id);
+            world.time.settle();
+            EXPECT_THAT(idsOfSnapshots(world), ElementsAre(second)) << steps;
+        }
+    }
+    EXPECT_EQ(strangers, 0);
+}
+
 TEST(Snapshots, ofADestinationThatIsAwayAreNotShownAndTheReasonIs) {
     StoreWorld world;
     AppStore& store = startTwoUnits(world);
@@ -93,11 +123,17 @@ TEST(Snapshots, areReadByAProgramThatMayNotWrite) {
     }();
     AppConfiguration later = world.configuration();
     later.schemaVersion = 2;
+    later.units[1].destinationBookmark.bytes = "the disk";
+    world.desktop.resolutions["the disk"] = {.path = world.disk, .isStale = true};
     world.end();
     AppStore& store = world.startWith(later);
     store.select(unit.id);
     world.time.settle();
     EXPECT_THAT(**world.state().snapshots, SizeIs(1));
+    store.select(world.unit(1).id);
+    world.time.settle();
+    EXPECT_THAT(**world.state().snapshots, SizeIs(1)) << "also on a disk that has moved";
+    EXPECT_EQ(world.written(), later);
 }
 
 TEST(Destination, isThePathWhereThereIsNoBookmark) {
@@ -137,6 +173,22 @@ TEST(Destination, movesInTheConfigurationAlthoughTheRunKeepsTheUnitThatItBeganWi
     EXPECT_EQ(world.lastRun().destination, world.disk) << "where it was when the run began";
     EXPECT_EQ(world.unit().destinationPath, moved);
     EXPECT_EQ(world.written(), world.configuration());
+}
+
+TEST(Destination, whoseMoveCannotBeWrittenDownFailsTheRun) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units[0].destinationBookmark.bytes = "the disk";
+    world.desktop.resolutions["the disk"] = {.path = world.disk};
+    AppStore& store = world.startWith(configuration);
+    world.desktop.resolutions["the disk"] = {.path = world.disk, .isStale = true};
+    store.run(world.unit(), 0);
+    fs::remove(world.data / "Configuration.json");
+    fs::create_directory(world.data / "Configuration.json");
+    world.time.settle();
+    EXPECT_EQ(world.lastRun().outcome, RunOutcome::failed);
+    EXPECT_EQ(world.source->inventories, 0);
+    EXPECT_NE(world.unit().destinationBookmark.bytes, "the disk") << "the change stays in memory";
 }
 
 TEST(Destination, thatCannotBeFoundFailsTheRunInItsWords) {

@@ -35,6 +35,18 @@ class FullDisk {
     rlimit limit_{};
 };
 
+/// What writes that were stopped in the middle leave in a data folder, and what only looks so.
+std::vector<fs::path> plantLeftovers(const fs::path& data) {
+    makeDirectories(data, 0700);
+    std::vector<fs::path> planted;
+    for (const char* name : {".Configuration.json.0123456789abcdef", ".GoogleOAuth.json.0123456789abcdef",
+                             ".Configuration.json.swp"}) {
+        planted.push_back(data / name);
+        writeAll(openFile(planted.back(), O_WRONLY | O_CREAT), "{\"units\": [");
+    }
+    return planted;
+}
+
 RunRecord runningRecord(const SyncUnit& unit, Date startedAt) {
     RunRecord record = beginRunRecord(unit, "anna@example.org", true, startedAt);
     record.notificationPolicy = NotificationPolicy::all;
@@ -177,6 +189,16 @@ TEST(StartUp, preservesAConfigurationThatCannotBeRead) {
     EXPECT_EQ(readFile(world.data / "Configuration.json"), "{\"units\": [");
 }
 
+TEST(StartUp, beginsNothingAnewWhereTheLinkToItsConfigurationLeadsNowhere) {
+    StoreWorld world;
+    makeDirectories(world.data, 0700);
+    fs::create_symlink(world.home / "Away" / "Configuration.json", world.data / "Configuration.json");
+    world.start();
+    EXPECT_THAT(world.error(), HasSubstr("No such file"));
+    EXPECT_FALSE(world.store->configurationIsReadable());
+    EXPECT_TRUE(fs::is_symlink(world.data / "Configuration.json"));
+}
+
 TEST(StartUp, tellsThatASecondCopyRuns) {
     StoreWorld first;
     first.write(test::oneUnit(first));
@@ -224,6 +246,39 @@ TEST(StartUp, startsNoRunAndSavesNoSettingsWhenNothingMayBeWritten) {
     EXPECT_THROW(store.saveEmail(test::mailToAnna()), BackupError);
     EXPECT_EQ(world.configuration().email, later.email);
     EXPECT_EQ(world.written(), later);
+}
+
+TEST(StartUp, removesWhatAStopInTheMiddleOfAWriteLeft) {
+    StoreWorld world;
+    const auto planted = plantLeftovers(world.data);
+    world.startWith(test::oneUnit(world));
+    EXPECT_FALSE(fs::exists(planted[0]));
+    EXPECT_FALSE(fs::exists(planted[1]));
+    EXPECT_TRUE(fs::exists(planted[2])) << "nothing that is not its own";
+    EXPECT_EQ(world.error(), "");
+    EXPECT_EQ(world.configuration().units.size(), 1U);
+}
+
+TEST(StartUp, leavesEveryFileWhereNothingMayBeWritten) {
+    StoreWorld world;
+    AppConfiguration later = test::oneUnit(world);
+    later.schemaVersion = 2;
+    const auto planted = plantLeftovers(world.data);
+    world.startWith(later);
+    for (const fs::path& path : planted)
+        EXPECT_TRUE(fs::exists(path)) << path;
+}
+
+TEST(StartUp, leavesTheWritesOfAnotherCopyAlone) {
+    StoreWorld first;
+    first.startWith(test::oneUnit(first));
+    const auto planted = plantLeftovers(first.data);
+    StoreWorld second;
+    second.environment = {{"MARROW_DATA_DIR", first.data.string()}};
+    second.start();
+    EXPECT_FALSE(second.store->configurationIsReadable());
+    for (const fs::path& path : planted)
+        EXPECT_TRUE(fs::exists(path)) << path;
 }
 
 TEST(StartUp, takesOverOnceTheFirstCopyHasEnded) {

@@ -36,6 +36,21 @@ TEST(Units, thatAreNewWaitWhileAnotherIsBackedUp) {
     EXPECT_EQ(world.error(), "");
 }
 
+TEST(Units, thatAreRemovedBeforeTheirFirstBackupAreNotBackedUp) {
+    StoreWorld world;
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units.clear();
+    AppStore& store = world.startWith(configuration);
+    QObject::connect(&store, &AppStore::changed, [&](StoreField field) {
+        if (field == StoreField::isReadingHistory && world.configuration().units.size() == 1)
+            store.removeUnit(world.unit());
+    });
+    world.finish(store.addUnit(test::dailyUnit(world), world.disk));
+    EXPECT_THAT(world.configuration().units, IsEmpty());
+    EXPECT_THAT(world.configuration().runs, IsEmpty());
+    EXPECT_EQ(world.error(), "");
+}
+
 TEST(Units, areNotAddedWhereTheirRepositoryCannotBe) {
     StoreWorld world;
     const AppConfiguration configuration = test::oneUnit(world);
@@ -61,7 +76,9 @@ TEST(Units, areRefusedByAProgramThatMayNotWrite) {
 
 TEST(Units, keepTheirNextRunUnlessTheirScheduleChanges) {
     StoreWorld world;
-    AppStore& store = world.startWith(test::oneUnit(world));
+    AppConfiguration configuration = test::oneUnit(world);
+    configuration.units[0].nextRun = world.time.now() + 900; // which no schedule would come to
+    AppStore& store = world.startWith(configuration);
     SyncUnit unit = world.unit();
     const auto nextRun = unit.nextRun;
     unit.name = "Letters";

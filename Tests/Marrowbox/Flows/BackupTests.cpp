@@ -1,6 +1,6 @@
 // What is done with a backup: its schedule, its account, its removal; and the end of the program during a
 // run.
-#include "FlowWorld.h"
+#include "FlowOfLetters.h"
 
 #include "Platform/Files.h"
 
@@ -8,36 +8,17 @@
 
 namespace marrowbox {
 
-using test::Flow;
+using test::FlowOfLetters;
 using testing::IsEmpty;
 
 namespace {
 
-/// A program with a backup of Ada's letters.
-class FlowOfABackup : public Flow {
+class FlowOfABackup : public FlowOfLetters {
   protected:
-    FlowOfABackup() : letters_(google.drive().addFolder("root", "Letters")) {
-        google.drive().addFile(letters_, "Hello.txt", "Dear Ada,\n", "text/plain");
-        startProgram();
-        connectAccount();
-        makeBackup("Letters");
-    }
-
-    SyncUnit unit() const { return configuration().units.at(0); }
-    /// A run that does not get its file before it is let go or cancelled.
-    void beginSlowBackup() {
-        const std::string slow = google.drive().addFile(letters_, "Slow.bin", "Slow", "text/plain");
-        google.inject(sandbox::Fault::on(sandbox::media(slow)).always().stallAfterBodyBytes(1));
-        user.click("Back up Letters");
-        EXPECT_TRUE(user.comesToShow("Cancel snapshot"));
-        EXPECT_TRUE(user.comesTo([&] { return google.requests().count(sandbox::media(slow)) > 0; }));
-    }
     /// The program says that it may end.
     bool comesToQuit() {
         return user.comesTo([this] { return hasEnded(); });
     }
-
-    std::string letters_;
 };
 
 } // namespace

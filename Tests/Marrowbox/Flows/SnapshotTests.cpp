@@ -1,12 +1,14 @@
 // What is done with the snapshots of a backup: restoring, mounting, ejecting, keeping fewer of them.
-#include "FlowWorld.h"
+#include "FlowOfLetters.h"
+#include "TrayUser.h"
 
 #include "Platform/Files.h"
 #include "Platform/FuseSupport.h"
 
 namespace marrowbox {
 
-using test::Flow;
+using test::FlowOfLetters;
+using test::TrayUser;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -14,23 +16,8 @@ using testing::UnorderedElementsAre;
 
 namespace {
 
-/// A program with a backup of Ada's letters.
-class FlowOfSnapshots : public Flow {
+class FlowOfSnapshots : public FlowOfLetters {
   protected:
-    FlowOfSnapshots() : letters_(google.drive().addFolder("root", "Letters")) {
-        hello_ = google.drive().addFile(letters_, "Hello.txt", "Dear Ada,\n", "text/plain");
-        startProgram();
-        connectAccount();
-        makeBackup("Letters");
-    }
-
-    void backUpAgain() {
-        const std::size_t runs = configuration().runs.size();
-        user.click("Back up Letters");
-        EXPECT_TRUE(comesToBeWritten([&](const auto& written) { return written.runs.size() > runs; }));
-        EXPECT_TRUE(comesToEnd(RunOutcome::succeeded));
-        EXPECT_TRUE(user.comesToShow("Back up Letters"));
-    }
     std::vector<std::string> snapshots() const {
         const std::string unit = configuration().units.at(0).id.text();
         return directoryNames(disk / "Marrowbox" / unit / "Snapshots");
@@ -46,9 +33,6 @@ class FlowOfSnapshots : public Flow {
         }));
         return QUrl(QString::fromStdString(address)).toLocalFile().toStdString();
     }
-
-    std::string letters_;
-    std::string hello_;
 };
 
 /// The same on a machine that can show volumes.
@@ -116,6 +100,23 @@ TEST_F(FlowOfVolumes, mountsFromTheMenuOfARowByTheKeyboardAlone) {
     user.tabTo("Eject snapshot");
     user.press(Qt::Key_Space);
     EXPECT_TRUE(user.ceasesToShow("Eject snapshot"));
+}
+
+TEST_F(FlowOfVolumes, opensAndEjectsASnapshotFromTheTray) {
+    const TrayUser tray;
+    user.click("Explore snapshot");
+    EXPECT_TRUE(user.comesToShow("Eject snapshot"));
+    const fs::path volume = shownFolder();
+    const std::size_t opened = computer.opened().size();
+    const QStringList rows = tray.rows();
+    const QString snapshot = rows.value(rows.indexOf("Mounted snapshots") + 1);
+    tray.click(snapshot, "Open in file manager");
+    EXPECT_TRUE(user.comesTo([&] { return computer.opened().size() > opened; }));
+    EXPECT_EQ(shownFolder(), volume);
+    tray.click(snapshot, "Eject");
+    EXPECT_TRUE(user.ceasesToShow("Eject snapshot"));
+    EXPECT_FALSE(fs::exists(volume));
+    EXPECT_FALSE(tray.rows().contains("Mounted snapshots"));
 }
 
 TEST_F(FlowOfVolumes, findsAMountedSnapshotAgainAtTheNextStart) {

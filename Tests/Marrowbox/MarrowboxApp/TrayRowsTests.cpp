@@ -29,7 +29,7 @@ struct TrayMenu : testing::Test {
     std::vector<std::string> texts() const {
         std::vector<std::string> result;
         for (const TrayRow& row : trayRows(state))
-            result.push_back(row.isLine() ? "-" : row.text.toStdString());
+            result.push_back(row.isLine ? "-" : row.text.toStdString());
         return result;
     }
     TrayRow row(const std::string& text) const {
@@ -66,6 +66,11 @@ TEST_F(TrayMenu, tellsOfTheRunningBackupAndOffersToCancelIt) {
                                      "Cancel backup", "-", "Settings", "Quit Marrowbox"));
     EXPECT_FALSE(row("Back up Papers").isEnabled);
     EXPECT_EQ(traySymbol(state), "arrow.triangle.2.circlepath.cloud");
+}
+
+TEST_F(TrayMenu, beginsWithTheStatusAlsoBeforeARunHasAnythingToSay) {
+    state.activeUnitID.set(addUnit("Papers").id);
+    EXPECT_FALSE(trayRows(state).front().isLine);
 }
 
 TEST_F(TrayMenu, listsMountedSnapshotsByName) {

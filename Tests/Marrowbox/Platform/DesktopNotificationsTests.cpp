@@ -1,49 +1,17 @@
 #include "AppSupport/EventLoop.h"
 #include "AppSupport/PrivateBus.h"
+#include "AppSupport/StandInNotifications.h"
 #include "Marrowbox/Platform/DesktopNotifications.h"
 
-#include <QVariantMap>
 #include <gmock/gmock.h>
 
 namespace marrowbox::test {
 
-class StandInNotifications : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-
-  public:
-    QStringList abilities;
-    QStringList shown;
-    int asked = 0;
-
-  public Q_SLOTS:
-    QStringList GetCapabilities() {
-        ++asked;
-        return abilities;
-    }
-    uint Notify(const QString& program, uint /*replaces*/, const QString& /*icon*/, const QString& title,
-                const QString& body, const QStringList& /*actions*/, const QVariantMap& /*hints*/,
-                int /*milliseconds*/) {
-        shown += program + QLatin1Char('|') + title + QLatin1Char('|') + body;
-        return static_cast<uint>(shown.size());
-    }
-
-  Q_SIGNALS:
-    void ActionInvoked(uint id, const QString& action);
-    void NotificationClosed(uint id, uint reason);
-};
-
 namespace {
-
-const QString service = QStringLiteral("org.freedesktop.Notifications");
 
 class NotificationServices : public WithEventLoop {
   protected:
-    NotificationServices() {
-        theirs.registerObject(QStringLiteral("/org/freedesktop/Notifications"), &desktop,
-                              QDBusConnection::ExportAllContents);
-        theirs.registerService(service);
-    }
+    NotificationServices() { desktop.offerOn(theirs); }
     bool show(int count) {
         return turnUntil([&] { return desktop.shown.size() == count; });
     }
@@ -89,12 +57,12 @@ TEST_F(NotificationServices, tellOfAClickOnOurOwnMessagesAlone) {
 }
 
 TEST_F(NotificationServices, mayComeLater) {
-    theirs.unregisterService(service);
+    desktop.withdrawFrom(theirs);
     notifications.notify("Lost", "");
     DesktopNotifications withoutAny(withoutBus(), nullptr);
     withoutAny.notify("Lost", "");
     QCoreApplication::processEvents();
-    theirs.registerService(service);
+    desktop.offerOn(theirs);
     EXPECT_TRUE(turnUntil([&] {
         notifications.notify("Seen", "");
         QCoreApplication::processEvents();
@@ -103,5 +71,3 @@ TEST_F(NotificationServices, mayComeLater) {
 }
 
 } // namespace marrowbox::test
-
-#include "DesktopNotificationsTests.moc"

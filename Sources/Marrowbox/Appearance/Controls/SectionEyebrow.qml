@@ -9,6 +9,7 @@ RowLayout {
     required property string number
     required property string title
     property string theme: Appearance.theme
+    property bool wrapped: false
     readonly property QtObject accent: Appearance.accentOf(theme)
 
     Layout.fillHeight: false
@@ -36,6 +37,7 @@ RowLayout {
         textFormat: Text.PlainText
         font: Appearance.subheading
         color: Appearance.text
-        elide: Text.ElideRight
+        wrapMode: root.wrapped ? Text.Wrap : Text.NoWrap
+        elide: root.wrapped ? Text.ElideNone : Text.ElideRight
     }
 }
