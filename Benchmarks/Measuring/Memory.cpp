@@ -21,13 +21,28 @@ double bytesNamed(const char* file, const std::string& name) {
     return 0;
 }
 
+double ownBytesNamed(const std::string& name) {
+    const double bytes = bytesNamed("/proc/self/status", name);
+    if (bytes == 0)
+        throw std::runtime_error("The system does not tell this process's memory.");
+    return bytes;
+}
+
 } // namespace
 
 double ownPeakMemory() {
-    const double peak = bytesNamed("/proc/self/status", "VmHWM:");
-    if (peak == 0)
-        throw std::runtime_error("The system does not tell this process's peak memory.");
-    return peak;
+    return ownBytesNamed("VmHWM:");
+}
+
+double ownMemory() {
+    return ownBytesNamed("VmRSS:");
+}
+
+void forgetPeakMemory() {
+    std::ofstream file("/proc/self/clear_refs");
+    file << "5" << std::flush; // the one number that concerns the peak
+    if (!file)
+        throw std::runtime_error("The system does not count this process's peak memory anew.");
 }
 
 std::filesystem::path folderInMemory(std::uintmax_t bytes) {

@@ -6,7 +6,10 @@
 #include "Support/Thrown.h"
 #include "TestRepository.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <set>
+#include <span>
 
 namespace marrowbox {
 
@@ -38,10 +41,20 @@ std::vector<Snapshot> publishChangingHistory(const TestRepository& repository) {
     return history;
 }
 
-std::vector<Shared<SnapshotEntry>> entriesOf(const WholeHistory::Item& item) {
-    std::vector<Shared<SnapshotEntry>> entries;
-    for (const SnapshotEntry* entry : item.entries)
-        entries.emplace_back(*entry);
+using EntrySet = std::set<std::string>;
+
+EntrySet entriesOf(const WholeHistory& history) {
+    EntrySet entries;
+    for (const SnapshotEntry* entry : history.retainedEntries())
+        entries.insert(encodeJSON(*entry, JSONStyle::compact));
+    return entries;
+}
+
+EntrySet entriesOf(std::span<const Snapshot> snapshots) {
+    EntrySet entries;
+    for (const Snapshot& snapshot : snapshots)
+        for (const auto& entry : snapshot.entries)
+            entries.insert(encodeJSON(*entry, JSONStyle::compact));
     return entries;
 }
 
@@ -56,21 +69,29 @@ TEST(WholeHistory, saysTheSameAsTheOrdinaryReading) {
     for (std::size_t index = 0; index < published.size(); ++index) {
         EXPECT_EQ(history.items()[index].id, published[index].id);
         EXPECT_EQ(history.items()[index].completedAt, published[index].completedAt);
-        EXPECT_EQ(entriesOf(history.items()[index]), published[index].entries) << index;
+    }
+    EXPECT_EQ(entriesOf(history), entriesOf(published));
+}
+
+TEST(WholeHistory, retainsWhatCompletedFromTheCutoffOnAndTheLatest) {
+    const TestRepository repository;
+    const std::vector<Snapshot> published = publishChangingHistory(repository);
+    for (const std::size_t expired : {0U, 1U, 35U, 60U, 69U, 70U, 1000U}) {
+        const WholeHistory history(*repository, {static_cast<double>(expired)});
+        const std::size_t oldest = std::min(expired, published.size() - 1);
+        EXPECT_EQ(entriesOf(history), entriesOf(std::span(published).subspan(oldest))) << expired;
+        ASSERT_EQ(history.items().size(), published.size());
+        for (std::size_t index = 0; index < published.size(); ++index)
+            EXPECT_EQ(history.isRetained(history.items()[index]), index >= oldest) << expired;
     }
 }
 
-TEST(WholeHistory, keepsWhatCompletedFromTheCutoffOnAndTheLatest) {
+TEST(WholeHistory, holdsOnceWhatManySnapshotsSay) {
     const TestRepository repository;
-    const std::vector<Snapshot> published = publishChangingHistory(repository);
-    const WholeHistory some(*repository, {60});
-    for (std::size_t index = 60; index < published.size(); ++index)
-        EXPECT_EQ(entriesOf(some.items()[index]), published[index].entries) << index;
-    for (std::size_t index = 0; index < 35; ++index)
-        EXPECT_TRUE(some.items()[index].entries.empty()) << index;
-    const WholeHistory latest(*repository, {1000});
-    EXPECT_EQ(latest.items().size(), published.size());
-    EXPECT_EQ(entriesOf(latest.items().back()), published.back().entries);
+    for (int generation = 0; generation < snapshotCount; ++generation)
+        repository.publish({stored(repository, "a", "1"), stored(repository, "b", "2")}, generation);
+    // Each of a few threads holds them once.
+    EXPECT_LE(WholeHistory(*repository, {0}).retainedEntries().size(), 2U * 4);
 }
 
 TEST(WholeHistory, isEmptyInANewRepository) {

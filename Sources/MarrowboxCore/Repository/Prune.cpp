@@ -13,33 +13,6 @@ namespace {
 
 using ObjectSet = boost::unordered_flat_set<ObjectHash, std::hash<ObjectHash>>;
 
-using Item = WholeHistory::Item;
-
-/// The newest snapshot stays however old it is.
-bool isRetained(const std::vector<Item>& history, const Item& item, Date cutoff) {
-    return &item == &history.back() || item.completedAt >= cutoff;
-}
-
-/// The entries that stay. One that many snapshots share is there once.
-std::vector<const SnapshotEntry*> retainedEntries(const std::vector<Item>& history, Date cutoff) {
-    boost::unordered_flat_set<const SnapshotEntry*> known;
-    std::vector<const SnapshotEntry*> entries;
-    const std::vector<const SnapshotEntry*> none;
-    const auto* before = &none;
-    for (const Item& item : history) {
-        if (!isRetained(history, item, cutoff))
-            continue;
-        for (std::size_t index = 0; index < item.entries.size(); ++index) {
-            const SnapshotEntry* entry = item.entries[index];
-            const bool isAsBefore = index < before->size() && (*before)[index] == entry;
-            if (!isAsBefore && known.insert(entry).second)
-                entries.push_back(entry);
-        }
-        before = &item.entries;
-    }
-    return entries;
-}
-
 /// The objects that have to stay, each seen in place.
 ObjectSet provenObjects(const std::vector<const SnapshotEntry*>& retained, const ObjectPaths& paths,
                         ParallelWork& workers) {
@@ -112,16 +85,15 @@ void sweep(const ObjectPaths& paths, const ObjectSet& kept, ParallelWork& worker
 void BackupRepository::prune(Date olderThan) const {
     validate();
     const WholeHistory history(*this, olderThan);
-    const std::vector<Item>& items = history.items();
-    if (items.empty())
+    if (history.items().empty())
         return;
     ParallelWork workers;
-    const ObjectSet kept = provenObjects(retainedEntries(items, olderThan), objectPaths(), workers);
+    const ObjectSet kept = provenObjects(history.retainedEntries(), objectPaths(), workers);
     // A run that was killed may have left a manifest whose name does not last yet. It must not be lost when
     // the ones that it outdates are gone.
     synchronizeFolder(snapshotsFolder());
-    for (const Item& item : items)
-        if (!isRetained(items, item, olderThan))
+    for (const auto& item : history.items())
+        if (!history.isRetained(item))
             removeFile(manifest(item.id));
     // No object goes before the manifests that name it are gone for good, those as well that a pruning which
     // did not come so far has removed.

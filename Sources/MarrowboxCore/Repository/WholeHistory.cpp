@@ -10,7 +10,10 @@
 
 #include <algorithm>
 #include <array>
+#include <boost/unordered/unordered_flat_set.hpp>
 #include <exception>
+#include <iterator>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -45,38 +48,55 @@ std::vector<fs::path> inOrder(const std::vector<fs::path>& files) {
     return ordered;
 }
 
-/// Of equal dates the one that is read later comes later. Gives the item's place.
-std::size_t enter(std::vector<WholeHistory::Item>& items, WholeHistory::Item item) {
-    const auto place =
-        std::ranges::upper_bound(items, item.completedAt, {}, &WholeHistory::Item::completedAt);
-    return static_cast<std::size_t>(items.insert(place, std::move(item)) - items.begin());
-}
-
 } // namespace
 
 /// Some manifests that are read one after the other.
 class WholeHistory::Part {
   public:
-    explicit Part(const BackupRepository& repository) : checks_(repository), reader_({}) {}
+    Part(const BackupRepository& repository, Date cutoff)
+        : cutoff_(cutoff), checks_(repository), reader_({}) {}
 
-    void read(Files files, Date cutoff) {
+    void read(Files files) {
         for (const auto& file : files) {
-            const std::size_t place = enter(items_, read(file));
-            // What is not the latest of these is not the latest of all.
-            const std::size_t passed = std::min(place, items_.size() - 2);
-            if (items_.size() > 1 && items_[passed].completedAt < cutoff)
-                forget(items_[passed]);
+            Content content = read(file);
+            items_.push_back(content.item);
+            if (content.item.completedAt >= cutoff_)
+                retain(std::move(content));
+            else if (!latestExpired_ || content.item.completedAt >= latestExpired_->item.completedAt)
+                latestExpired_ = std::move(content);
         }
     }
-    std::vector<Item> items() { return std::move(items_); }
-
-  private:
-    static void forget(Item& item) {
-        item.entries = {};
-        item.held = {};
+    const std::vector<Item>& items() const { return items_; }
+    /// The entries of what completed at the cutoff or later.
+    const std::vector<const SnapshotEntry*>& retained() const { return retained_; }
+    /// Those of this item, if it is the latest of the others.
+    std::vector<const SnapshotEntry*> entriesOfExpired(const Item& item) const {
+        const bool isHeld = latestExpired_ && latestExpired_->item.id == item.id;
+        return isHeld ? latestExpired_->entries : std::vector<const SnapshotEntry*>();
     }
 
-    Item read(const fs::path& file) {
+  private:
+    struct Content {
+        Item item;
+        std::vector<const SnapshotEntry*> entries;
+        std::vector<Shared<SnapshotEntry>> held; ///< The same, when nothing else holds them.
+    };
+
+    /// Takes over what is new. Most entries stand where they stood in the list before, and are not looked up.
+    void retain(Content content) {
+        for (std::size_t index = 0; index < content.entries.size(); ++index) {
+            const SnapshotEntry* entry = content.entries[index];
+            const bool isAsBefore = index < before_.size() && before_[index] == entry;
+            if (isAsBefore || !known_.insert(entry).second)
+                continue;
+            retained_.push_back(entry);
+            if (!content.held.empty())
+                held_.push_back(content.held[index]);
+        }
+        before_ = std::move(content.entries);
+    }
+
+    Content read(const fs::path& file) {
         rejectSymlink(file);
         const Descriptor opened = openPlainFile(file);
         auto reading = succession_.read(opened);
@@ -88,48 +108,65 @@ class WholeHistory::Part {
             BackupPaths::validateEntries(reading->entries);
         for (const std::size_t index : reading->others)
             checks_.requireReference(*reading->entries[index]);
-        return {reading->record.id, reading->record.completedAt, std::move(reading->entries), {}};
+        return {{reading->record.id, reading->record.completedAt}, std::move(reading->entries), {}};
     }
 
-    Item readWhole(const Descriptor& opened, const fs::path& file) {
-        reader_.expect(known_);
+    Content readWhole(const Descriptor& opened, const fs::path& file) {
+        reader_.expect(expected_);
         Snapshot snapshot = reader_.read(opened);
         checks_.requireIdentity(snapshot, file);
         BackupPaths::validateEntries(snapshot.entries);
-        Item item{.id = snapshot.id, .completedAt = snapshot.completedAt, .entries = {}, .held = {}};
+        Content content{.item = {snapshot.id, snapshot.completedAt}, .entries = {}, .held = {}};
         for (const auto& entry : snapshot.entries) {
             checks_.requireReference(*entry);
-            item.entries.push_back(&*entry);
+            content.entries.push_back(&*entry);
         }
-        known_ = snapshot.entries;
-        item.held = std::move(snapshot.entries);
-        return item;
+        expected_ = snapshot.entries;
+        content.held = std::move(snapshot.entries);
+        return content;
     }
 
+    Date cutoff_;
     ManifestChecks checks_;
     ManifestSuccession succession_;
     ManifestReader reader_;
-    std::vector<Shared<SnapshotEntry>> known_;
+    std::vector<Shared<SnapshotEntry>> expected_;
     std::vector<Item> items_;
+    std::vector<const SnapshotEntry*> before_; ///< Those of what was retained last.
+    boost::unordered_flat_set<const SnapshotEntry*> known_;
+    std::vector<const SnapshotEntry*> retained_;
+    std::vector<Shared<SnapshotEntry>> held_; ///< Of those, what the reading itself does not hold.
+    std::optional<Content> latestExpired_;
 };
 
-WholeHistory::WholeHistory(const BackupRepository& repository, Date cutoff) {
+WholeHistory::WholeHistory(const BackupRepository& repository, Date cutoff) : cutoff_(cutoff) {
     const std::vector<fs::path> files = inOrder(manifestFiles(repository));
     const std::size_t processors = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, 4);
     const std::size_t count = std::clamp<std::size_t>(files.size() / fewestFiles, 1, processors);
     for (std::size_t index = 0; index < count; ++index)
-        parts_.push_back(std::make_unique<Part>(repository));
+        parts_.push_back(std::make_unique<Part>(repository, cutoff));
     ParallelWork workers;
     const auto failed = workers.forEach(count, [&](std::size_t index) {
         const std::size_t begin = files.size() * index / count;
         const std::size_t end = files.size() * (index + 1) / count;
-        parts_[index]->read(Files(files).subspan(begin, end - begin), cutoff);
+        parts_[index]->read(Files(files).subspan(begin, end - begin));
     });
     if (failed)
         std::rethrow_exception(failed->failure);
+    for (const auto& part : parts_) {
+        // Of equal dates the one that is read later comes later.
+        for (const Item& item : part->items())
+            items_.insert(std::ranges::upper_bound(items_, item.completedAt, {}, &Item::completedAt), item);
+        retained_.insert(retained_.end(), part->retained().begin(), part->retained().end());
+    }
+    if (items_.empty() || items_.back().completedAt >= cutoff)
+        return;
     for (const auto& part : parts_)
-        for (auto& item : part->items())
-            enter(items_, std::move(item));
+        std::ranges::copy(part->entriesOfExpired(items_.back()), std::back_inserter(retained_));
+}
+
+bool WholeHistory::isRetained(const Item& item) const {
+    return &item == &items_.back() || item.completedAt >= cutoff_;
 }
 
 WholeHistory::~WholeHistory() = default;

@@ -12,28 +12,33 @@ namespace marrowbox {
 
 /// All of a repository's snapshots for a pruning, read and verified as BackupRepository::snapshots does it,
 /// and with the same failures, but much faster: several manifests at a time, each against the text of one
-/// that is most like it. Only what may be retained is kept.
+/// that is most like it. What it holds grows with what changed in the time that is retained, not with the
+/// number of snapshots times their files.
 class WholeHistory {
   public:
     struct Item {
         Uuid id;
         Date completedAt;
-        /// Empty when it completed before the cutoff and another one did after it.
-        std::vector<const SnapshotEntry*> entries;
-        std::vector<Shared<SnapshotEntry>> held; ///< Those of them that the reading itself does not hold.
     };
 
+    /// Retained is what completed at the cutoff or later, and the latest however old it is.
     WholeHistory(const BackupRepository& repository, Date cutoff);
     ~WholeHistory();
 
     /// Oldest first.
     const std::vector<Item>& items() const { return items_; }
+    bool isRetained(const Item& item) const;
+    /// The entries of the retained snapshots, in no order. What many of them say is there once or a few
+    /// times.
+    const std::vector<const SnapshotEntry*>& retainedEntries() const { return retained_; }
 
   private:
     class Part;
 
+    Date cutoff_;
     std::vector<std::unique_ptr<Part>> parts_; ///< They hold the entries.
     std::vector<Item> items_;
+    std::vector<const SnapshotEntry*> retained_;
 };
 
 } // namespace marrowbox
