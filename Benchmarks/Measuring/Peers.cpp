@@ -13,8 +13,12 @@ Restic::Restic(const fs::path& folder)
     run("init", folder);
 }
 
+std::string Restic::command(const std::string& arguments, const fs::path& in) const {
+    return "cd " + quoted(in) + " && " + settings_ + "restic --quiet " + arguments;
+}
+
 void Restic::run(const std::string& arguments, const fs::path& in) const {
-    runCommand("cd " + quoted(in) + " && " + settings_ + "restic --quiet " + arguments);
+    runCommand(command(arguments, in));
 }
 
 Borg::Borg(const fs::path& folder)
@@ -24,8 +28,12 @@ Borg::Borg(const fs::path& folder)
     run("init --encryption=none", folder);
 }
 
+std::string Borg::command(const std::string& arguments, const fs::path& in) const {
+    return "cd " + quoted(in) + " && " + settings_ + "borg " + arguments;
+}
+
 void Borg::run(const std::string& arguments, const fs::path& in) const {
-    runCommand("cd " + quoted(in) + " && " + settings_ + "borg " + arguments);
+    runCommand(command(arguments, in));
 }
 
 } // namespace marrowbox::bench

@@ -9,7 +9,9 @@ namespace marrowbox::bench {
 class Restic {
   public:
     explicit Restic(const std::filesystem::path& folder);
-    /// Runs one of its commands, in the given folder. Throws std::runtime_error when it fails.
+    /// One of its commands in the given folder, as text for a shell.
+    std::string command(const std::string& arguments, const std::filesystem::path& in) const;
+    /// Runs such a command. Throws std::runtime_error when it fails.
     void run(const std::string& arguments, const std::filesystem::path& in) const;
 
   private:
@@ -20,8 +22,10 @@ class Restic {
 class Borg {
   public:
     explicit Borg(const std::filesystem::path& folder);
-    /// Runs one of its commands, in the given folder; "::name" is an archive of the repository. Throws
-    /// std::runtime_error when it fails.
+    /// One of its commands in the given folder, as text for a shell; "::name" is an archive of the
+    /// repository.
+    std::string command(const std::string& arguments, const std::filesystem::path& in) const;
+    /// Runs such a command. Throws std::runtime_error when it fails.
     void run(const std::string& arguments, const std::filesystem::path& in) const;
 
   private:
