@@ -17,7 +17,7 @@ struct TreeShape {
     std::size_t largeSize = 32 << 20;
 
     double bytes() const;
-    /// "5,000 files of 64 KB and 4 of 32 MB (448 MB)"
+    /// "2000 files of 64 KB and 2 of 32 MB, 189 MB in all"
     std::string words() const;
 };
 

@@ -131,13 +131,7 @@ TEST(BackupRun, bringsAwkwardNames) {
         {"␀", "␀"},
         {std::string(239, 'n'), std::string(239, 'n')},
     };
-    std::vector<std::string> paths;
-    for (const auto& [name, component] : names) {
-        const auto folder = backup.drive.addFolder(backup.folder, name);
-        backup.drive.addFile(folder, name, "content of " + name);
-        paths.push_back(component);
-        paths.push_back(component + "/" + component);
-    }
+    const std::vector<std::string> paths = backup.addFoldersNamed(names);
     backup.expectHolds(backup.run(), paths);
     backup.expectSettled(1);
 }

@@ -98,6 +98,17 @@ ProcessSurroundings GoogleBackup::surroundings() const {
     return surroundings;
 }
 
+std::vector<std::string>
+GoogleBackup::addFoldersNamed(const std::vector<std::pair<std::string, std::string>>& names) {
+    std::vector<std::string> paths;
+    for (const auto& [name, component] : names) {
+        drive.addFile(drive.addFolder(folder, name), name, "content of " + name);
+        paths.push_back(component);
+        paths.push_back(component + "/" + component);
+    }
+    return paths;
+}
+
 std::future<Snapshot> GoogleBackup::start(std::stop_token stop) {
     progress_->clear();
     const auto texts = progress_;

@@ -15,6 +15,7 @@
 #include <memory>
 #include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace marrowbox::test {
@@ -32,6 +33,10 @@ class GoogleBackup {
     void connect(std::chrono::seconds lifetime);
     /// Shifts the clock by which our side judges a token.
     void shiftClock(double seconds) { *clockShift_ = seconds; }
+
+    /// Adds a folder of each name with a file of the same name in it. Gives the paths under which a backup
+    /// holds them, as each name stands beside what becomes of it in a path.
+    std::vector<std::string> addFoldersNamed(const std::vector<std::pair<std::string, std::string>>& names);
 
     std::future<Snapshot> start(std::stop_token stop = {});
     /// Runs to the end and gives the snapshot, or throws what stopped the run.

@@ -89,13 +89,8 @@ TEST_F(HostileCloud, escapesNowhereByItsNames) {
         {"Objects", "Objects"},
         {"con", "con"},
     };
-    std::vector<std::string> paths{"kept"};
-    for (const auto& [name, component] : names) {
-        const auto folder = backup.drive.addFolder(backup.folder, name);
-        backup.drive.addFile(folder, name, "content of " + name);
-        paths.push_back(component);
-        paths.push_back(component + "/" + component);
-    }
+    std::vector<std::string> paths = backup.addFoldersNamed(names);
+    paths.insert(paths.begin(), "kept");
     backup.expectHolds(backup.run(), paths);
     backup.expectSettled(2);
 }

@@ -73,7 +73,8 @@ bool overlap(const Seen& one, const Seen& other) {
 void judgeSurroundings(const Seen& text, const QQuickWindow& window, QStringList& all) {
     const QRectF whole = inWindow(*text.item, text.item->boundingRect());
     const auto holds = [&whole](const QRectF& room, bool scrolls) {
-        const bool across = whole.left() > room.left() - tolerance && whole.right() < room.right() + tolerance;
+        const bool across =
+            whole.left() > room.left() - tolerance && whole.right() < room.right() + tolerance;
         const bool down = whole.top() > room.top() - tolerance && whole.bottom() < room.bottom() + tolerance;
         return across && (scrolls || down);
     };

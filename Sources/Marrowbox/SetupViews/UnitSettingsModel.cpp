@@ -1,7 +1,6 @@
 #include "Marrowbox/SetupViews/UnitSettingsModel.h"
 
 #include "Marrowbox/Platform/ScreenWording.h"
-
 #include "Marrowbox/SetupViews/ScreenWork.h"
 #include "Marrowbox/SetupViews/SettingsModel.h"
 

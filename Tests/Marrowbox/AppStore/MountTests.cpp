@@ -27,6 +27,14 @@ const Snapshot& newest(const StoreWorld& world) {
     return (*world.state().snapshots)->front();
 }
 
+/// The same, with its snapshot mounted.
+AppStore& startWithVolume(StoreWorld& world) {
+    AppStore& store = startWithSnapshot(world);
+    store.explore(newest(world));
+    world.time.advance(5);
+    return store;
+}
+
 /// How often the system's mounts have been compared with the registry.
 std::size_t reconciliations(const StoreWorld& world) {
     return world.machine->count("hdiutil info");
@@ -104,9 +112,7 @@ TEST(Mounts, thatAreCalledOffSayNothing) {
 
 TEST(Mounts, goAwayWhenTheyAreEjected) {
     StoreWorld world;
-    AppStore& store = startWithSnapshot(world);
-    store.explore(newest(world));
-    world.time.advance(5);
+    AppStore& store = startWithVolume(world);
     const std::size_t before = reconciliations(world);
     store.eject(newest(world).id);
     world.time.settle();
@@ -124,9 +130,7 @@ TEST(Mounts, goAwayWhenTheyAreEjected) {
 
 TEST(Mounts, stayWhenTheyCannotBeEjected) {
     StoreWorld world;
-    AppStore& store = startWithSnapshot(world);
-    store.explore(newest(world));
-    world.time.advance(5);
+    AppStore& store = startWithVolume(world);
     world.machine->answer("hdiutil detach", Result{16, ""});
     store.eject(newest(world).id);
     world.time.settle();
@@ -139,9 +143,7 @@ TEST(Mounts, stayWhenTheyCannotBeEjected) {
 
 TEST(Mounts, thatTheUserEjectedElsewhereAreForgottenWhenTheyAreOpened) {
     StoreWorld world;
-    AppStore& store = startWithSnapshot(world);
-    store.explore(newest(world));
-    world.time.advance(5);
+    AppStore& store = startWithVolume(world);
     world.desktop.forget();
     world.machine->attached.clear();
     store.openMounted(newest(world).id);
@@ -152,9 +154,7 @@ TEST(Mounts, thatTheUserEjectedElsewhereAreForgottenWhenTheyAreOpened) {
 
 TEST(Mounts, areFoundAgainAtTheNextStart) {
     StoreWorld world;
-    AppStore& store = startWithSnapshot(world);
-    store.explore(newest(world));
-    world.time.advance(5);
+    startWithVolume(world);
     world.end();
     world.start();
     EXPECT_THAT(*world.state().mounted, IsEmpty());
@@ -164,9 +164,7 @@ TEST(Mounts, areFoundAgainAtTheNextStart) {
 
 TEST(Mounts, areKeptAsTheyWereWhenTheSystemTellsOnlyAPart) {
     StoreWorld world;
-    AppStore& store = startWithSnapshot(world);
-    store.explore(newest(world));
-    world.time.advance(5);
+    startWithVolume(world);
     world.machine->answer("hdiutil info", Result{1, ""});
     world.desktop.makeVolumeAppear();
     world.time.advance(1);
@@ -176,9 +174,7 @@ TEST(Mounts, areKeptAsTheyWereWhenTheSystemTellsOnlyAPart) {
 
 TEST(Mounts, thatCannotBeLookedAtWhenTheyAreOpenedStayAndSayWhy) {
     StoreWorld world;
-    AppStore& store = startWithSnapshot(world);
-    store.explore(newest(world));
-    world.time.advance(5);
+    AppStore& store = startWithVolume(world);
     world.desktop.forget();
     world.machine->answer("hdiutil info", Result{1, ""});
     store.openMounted(newest(world).id);
@@ -192,9 +188,7 @@ TEST(Mounts, thatCannotBeLookedAtWhenTheyAreOpenedStayAndSayWhy) {
 
 TEST(Mounts, areOpenedWhereTheSecondLookFindsThem) {
     StoreWorld world;
-    AppStore& store = startWithSnapshot(world);
-    store.explore(newest(world));
-    world.time.advance(5);
+    AppStore& store = startWithVolume(world);
     world.desktop.forget();
     world.machine->answerOnce("hdiutil info", Result{1, ""});
     store.openMounted(newest(world).id);
@@ -206,9 +200,7 @@ TEST(Mounts, areOpenedWhereTheSecondLookFindsThem) {
 
 TEST(Mounts, areLeftAsTheyAreWhileAnotherProgramIsAtWorkOnThem) {
     StoreWorld world;
-    AppStore& store = startWithSnapshot(world);
-    store.explore(newest(world));
-    world.time.advance(5);
+    AppStore& store = startWithVolume(world);
     world.desktop.forget();
     const RepositoryLock lock(world.data / "MountedSnapshots" / "mounts.lock", "busy");
     store.openMounted(newest(world).id);
