@@ -456,6 +456,22 @@ TEST_F(GoogleSignInTest, waitsForADescriptorForTheBrowser) {
     result_.get();
 }
 
+TEST_F(GoogleSignInTest, servesTheBrowserWhileAnotherUserConnectsAndSaysNothing) {
+    begin();
+    const auto before = settledDescriptors();
+    constexpr int strangers = 300;
+    std::vector<std::unique_ptr<LoopbackPeer>> silent;
+    for (int number = 0; number < strangers; ++number)
+        silent.push_back(std::make_unique<LoopbackPeer>(port()));
+    EXPECT_THAT(get(port(), "/"), StartsWith(invalid)); // all of them have been taken by now
+    EXPECT_LE(settledDescriptors(), before + strangers + 64);
+    EXPECT_EQ(silent.front()->reply(), "") << "the first is dropped for the latest";
+    silent.clear();
+    consent();
+    EXPECT_EQ(result_.get().accessToken, "a");
+    EXPECT_LE(settledDescriptors(), before);
+}
+
 TEST_F(GoogleSignInTest, canSignInAgain) {
     begin();
     EXPECT_THAT(get(port(), callback("&error=x")), StartsWith("HTTP/1.1 200 OK"));
