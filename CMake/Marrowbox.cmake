@@ -92,10 +92,25 @@ function(marrowbox_library folder)
   marrowbox_headers_compile_alone(${target} ${folder} ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
 endfunction()
 
-# marrowbox_program(NAME SOURCES... LINKS target...): an executable of ours, with the house's warnings.
+# marrowbox_precompiled(TARGET HEADERS header... LINKS target...): headers for others to reuse, built once; those who
+# reuse them see no more folders by that.
+function(marrowbox_precompiled target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;LINKS")
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp)
+  file(CONFIGURE OUTPUT ${source} CONTENT "")
+  add_library(${target} OBJECT ${source})
+  target_link_libraries(${target} PRIVATE ${arg_LINKS} marrowboxBuildSettings)
+  target_precompile_headers(${target} PRIVATE ${arg_HEADERS})
+endfunction()
+
+# marrowbox_program(NAME SOURCES... LINKS target... [PRECOMPILED target]): an executable of ours, with the house's
+# warnings.
 function(marrowbox_program name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "PRECOMPILED" "SOURCES;LINKS")
+  if(NOT arg_PRECOMPILED)
+    set(arg_PRECOMPILED marrowboxPlatform)
+  endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LINKS} marrowboxBuildSettings)
-  target_precompile_headers(${name} REUSE_FROM marrowboxPlatform)
+  target_precompile_headers(${name} REUSE_FROM ${arg_PRECOMPILED})
 endfunction()
