@@ -147,7 +147,7 @@ TEST_F(CredentialSafety, isNotHeldUpByWhatIsNoFile) {
                                                        {folder.lock(), test::unsafeLock}};
     for (const auto& [path, sentence] : places) {
         fs::rename(path, folder.parent() / "away");
-        for (const mode_t kind : {S_IFIFO, S_IFSOCK}) {
+        for (const mode_t kind : {mode_t(S_IFIFO), mode_t(S_IFSOCK)}) {
             ASSERT_EQ(::mknod(path.c_str(), kind | 0600, 0), 0);
             expectRefusal(sentence);
             fs::remove(path);

@@ -186,7 +186,8 @@ TEST_F(SharedDisk, isNotReadForEverWhereSomebodyFillsAPipe) {
         fs::remove(planted);
         const EndlessPipe pipe(planted);
         doEverything(*repository, snapshot, scratch.path());
-        EXPECT_TRUE(fs::is_fifo(planted)) << place;
+        // What is named like an object that no snapshot needs goes by a pruning, whatever it is.
+        EXPECT_EQ(fs::is_fifo(planted), place != std::string("import")) << place;
         fs::remove_all(disk / "Marrowbox");
     }
 }
