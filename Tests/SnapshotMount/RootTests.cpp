@@ -90,7 +90,7 @@ TEST(MountRoots, areNotMadeInAFolderOfAnotherUser) {
 TEST(MountRoots, areLockedThroughNoLink) {
     test::MountWorld world;
     openFile(world.scratch / "elsewhere", O_WRONLY | O_CREAT, 0600);
-    for (const fs::path target : {world.scratch / "elsewhere", world.scratch / "missing"}) {
+    for (const fs::path& target : {world.scratch / "elsewhere", world.scratch / "missing"}) {
         fs::remove(world.directory / "mounts.lock");
         fs::create_symlink(target, world.directory / "mounts.lock");
         SCOPED_TRACE(target);
