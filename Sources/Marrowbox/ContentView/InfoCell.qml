@@ -3,8 +3,9 @@ import QtQuick.Layouts
 import Marrowbox.Appearance
 import Marrowbox.ContentView
 
-// One fact about a backup. With a link it is a button.
-PressCard {
+// One fact about a backup. With a link it is a button, and without one it is none to anybody: each is an element of its own,
+// since a button keeps its role for good.
+Loader {
     id: root
 
     required property string title
@@ -12,60 +13,52 @@ PressCard {
     required property string detail
     required property string symbol
     property string link: ""
-    readonly property bool opens: link !== ""
+    readonly property string spokenName: qsTr("%1: %2").arg(title).arg(value)
 
     signal opened
 
     Layout.fillWidth: true
     Layout.fillHeight: true
     Layout.preferredWidth: 1
-    enabled: opens
-    padding: Appearance.mediumGap
-    font: Appearance.body
-    help: opens ? qsTr("Open in Google Drive") : ""
-    disabledReason: detail
-    spokenName: qsTr("%1: %2").arg(title).arg(value)
-    Accessible.role: opens ? Accessible.Button : Accessible.Grouping
-    onClicked: opened()
+    sourceComponent: link !== "" ? button : fact
 
-    contentItem: ColumnLayout {
-        spacing: Appearance.tinyGap
+    Component {
+        id: button
 
-        RowLayout {
-            Layout.fillWidth: true
-            Layout.bottomMargin: Appearance.tinyGap
-            spacing: Appearance.smallGap
+        PressCard {
+            id: card
 
-            Icon {
-                name: root.symbol
-                color: root.accent.ink
+            help: qsTr("Open in Google Drive")
+            spokenName: root.spokenName
+            onClicked: root.opened()
+
+            contentItem: InfoFact {
+                title: root.title
+                value: root.value
+                detail: root.detail
+                symbol: root.symbol
+                opens: true
+                active: card.active
             }
+        }
+    }
 
-            Eyebrow {
+    Component {
+        id: fact
+
+        Card {
+            Accessible.role: Accessible.Grouping
+            Accessible.name: root.spokenName
+            Accessible.description: root.detail
+
+            InfoFact {
                 Layout.fillWidth: true
-                text: root.title
+                Layout.fillHeight: true
+                title: root.title
+                value: root.value
+                detail: root.detail
+                symbol: root.symbol
             }
-
-            Icon {
-                name: root.opens ? "arrow.up.right" : ""
-                side: Appearance.smallIcon
-                color: root.active ? root.accent.ink : Appearance.muted
-            }
-        }
-
-        ElidedWords {
-            Layout.fillWidth: true
-            text: root.value
-            font: Appearance.subheading
-        }
-
-        Words {
-            Layout.fillWidth: true
-            Layout.fillHeight: true
-            text: root.detail
-            font: Appearance.caption
-            color: Appearance.muted
-            wrapMode: Text.Wrap
         }
     }
 }

@@ -168,6 +168,15 @@ TEST(MenuButton, refusesADisabledItemAndSaysWhy) {
     EXPECT_EQ(screen.value("chosen"), "");
 }
 
+TEST(MenuButton, keepsItsHelpOutOfTheWayOfItsMenu) {
+    Screen screen(menu);
+    screen.hover("Snapshot actions");
+    EXPECT_TRUE(screen.waitUntil([&] { return screen.shows("Snapshot actions"); }));
+    screen.click("Snapshot actions");
+    ASSERT_TRUE(screen.find("Mount", QAccessible::MenuItem));
+    EXPECT_FALSE(screen.shows("Snapshot actions"));
+}
+
 TEST(HelpTip, appearsUnderThePointer) {
     Screen screen("Item { IconButton { x: 200; y: 100; symbol: \"eject\"; help: \"Eject snapshot\" } }");
     screen.hover("Eject snapshot");

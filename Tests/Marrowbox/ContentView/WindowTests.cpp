@@ -170,6 +170,17 @@ TEST(Window, opensTheOriginInTheBrowser) {
     EXPECT_EQ(world.desktop.count("openPage"), 1U);
 }
 
+TEST(Window, offersNoButtonWhereThereIsNothingToPress) {
+    WindowWorld world;
+    world.show();
+    EXPECT_EQ(world.screen->role("ORIGIN: All of My Drive"), QAccessible::Button);
+    for (const char* const title : {"DESTINATION: ", "SCHEDULE: "}) {
+        const QStringList names = world.screen->names().filter(title);
+        ASSERT_EQ(names.size(), 1) << title;
+        EXPECT_EQ(world.screen->role(names.constFirst()), QAccessible::Grouping) << title;
+    }
+}
+
 TEST(Window, asksBeforeItRemovesABackup) {
     WindowWorld world;
     world.show();
