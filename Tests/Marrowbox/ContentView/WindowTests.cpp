@@ -1,4 +1,4 @@
-#include "ScreenSupport/ShownScreen.h"
+#include "ScreenSupport/Screen.h"
 #include "ScriptedState.h"
 #include "StoreWorld.h"
 
@@ -12,7 +12,7 @@
 namespace marrowbox {
 
 using test::scripted;
-using test::ShownScreen;
+using test::Screen;
 using test::StoreWorld;
 
 namespace {
@@ -35,14 +35,14 @@ struct WindowWorld : StoreWorld {
     }
 
     void show() {
-        screen = std::make_unique<ShownScreen>(
+        screen = std::make_unique<Screen>(
             QUrl(QStringLiteral("qrc:/Marrowbox/ContentView/MainView.qml")),
             QVariantMap{{QStringLiteral("model"), QVariant::fromValue(window.get())}},
             [](QQmlEngine&) { installContentView(); }, [this] { time.settle(); });
     }
 
     std::unique_ptr<MainWindowModel> window;
-    std::unique_ptr<ShownScreen> screen;
+    std::unique_ptr<Screen> screen;
 };
 
 } // namespace
