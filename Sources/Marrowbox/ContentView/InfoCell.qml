@@ -3,8 +3,8 @@ import QtQuick.Layouts
 import Marrowbox.Appearance
 import Marrowbox.ContentView
 
-// One fact about a backup. With a link it is a button.
-PressCard {
+// One fact about a backup. With a link it is a button, and only then: what cannot be pressed must not read as if it could.
+Loader {
     id: root
 
     required property string title
@@ -12,60 +12,45 @@ PressCard {
     required property string detail
     required property string symbol
     property string link: ""
-    readonly property bool opens: link !== ""
+    readonly property string spokenName: qsTr("%1: %2").arg(title).arg(value)
 
     signal opened
 
     Layout.fillWidth: true
     Layout.fillHeight: true
     Layout.preferredWidth: 1
-    enabled: opens
-    padding: Appearance.mediumGap
-    font: Appearance.body
-    help: opens ? qsTr("Open in Google Drive") : ""
-    disabledReason: detail
-    spokenName: qsTr("%1: %2").arg(title).arg(value)
-    Accessible.role: opens ? Accessible.Button : Accessible.Grouping
-    onClicked: opened()
+    sourceComponent: link !== "" ? button : plain
 
-    contentItem: ColumnLayout {
-        spacing: Appearance.tinyGap
+    Component {
+        id: plain
 
-        RowLayout {
-            Layout.fillWidth: true
-            Layout.bottomMargin: Appearance.tinyGap
-            spacing: Appearance.smallGap
+        Card {
+            Accessible.role: Accessible.Grouping
+            Accessible.name: root.spokenName
+            Accessible.description: root.detail
 
-            Icon {
-                name: root.symbol
-                color: root.accent.ink
-            }
-
-            Eyebrow {
+            InfoCellContent {
                 Layout.fillWidth: true
-                text: root.title
-            }
-
-            Icon {
-                name: root.opens ? "arrow.up.right" : ""
-                side: Appearance.smallIcon
-                color: root.active ? root.accent.ink : Appearance.muted
+                Layout.fillHeight: true
+                cell: root
             }
         }
+    }
 
-        ElidedWords {
-            Layout.fillWidth: true
-            text: root.value
-            font: Appearance.subheading
-        }
+    Component {
+        id: button
 
-        Words {
-            Layout.fillWidth: true
-            Layout.fillHeight: true
-            text: root.detail
-            font: Appearance.caption
-            color: Appearance.muted
-            wrapMode: Text.Wrap
+        PressCard {
+            id: card
+
+            spokenName: root.spokenName
+            help: qsTr("Open in Google Drive")
+            onClicked: root.opened()
+            contentItem: InfoCellContent {
+                cell: root
+                linkSymbol: "arrow.up.right"
+                active: card.active
+            }
         }
     }
 }

@@ -59,6 +59,37 @@ TEST(ListRow, tellsThatItIsSelectedAndWhatStandsBelow) {
     EXPECT_EQ(screen.description("Row 2"), "Never backed up");
 }
 
+TEST(ListRow, showsALongTitleWholeUnderThePointer) {
+    const QString title = "Scans of all letters and receipts of the years before we moved";
+    Screen screen(QStringLiteral("ColumnLayout { ListRow { title: \"%1\"; Layout.preferredWidth: 200 } "
+                                 "ListRow { title: \"Short\"; Layout.preferredWidth: 200 } "
+                                 "Item { Layout.fillHeight: true } }")
+                      .arg(title));
+    screen.hover(title);
+    EXPECT_TRUE(screen.comesTo([&] { return screen.toolTip() == title; }));
+    screen.hover("Short");
+    EXPECT_TRUE(screen.comesTo([&] { return screen.toolTip().isEmpty(); }));
+}
+
+TEST(ListRow, takesNoMarkInItsTitleForAKey) {
+    Screen screen(R"(Item { property int pressed: 0
+        ListRow { title: "R&D"; onClicked: parent.pressed += 1 } })");
+    screen.press(Qt::Key_D, Qt::AltModifier);
+    EXPECT_EQ(screen.value("pressed"), 0);
+}
+
+TEST(RowButton, isAButtonThatIsPressedByClickKeyAndAssistiveTechnology) {
+    Screen screen(R"(Item { property int pressed: 0
+        RowButton { title: "Settings"; symbol: "gearshape"; onClicked: parent.pressed += 1 } })");
+    ASSERT_TRUE(screen.find("Settings", QAccessible::Button));
+    EXPECT_FALSE(screen.find("Settings", QAccessible::ListItem));
+    screen.click("Settings");
+    screen.focus("Settings");
+    screen.press(Qt::Key_Return);
+    screen.activate("Settings");
+    EXPECT_EQ(screen.value("pressed"), 3);
+}
+
 TEST(RowList, makesOnlyTheRowsInSight) {
     Screen screen(rows);
     EXPECT_TRUE(screen.find("Backups", QAccessible::List));
