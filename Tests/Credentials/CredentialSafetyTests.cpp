@@ -1,4 +1,5 @@
 #include "CredentialFolder.h"
+#include "Support/Stranger.h"
 
 #include <gtest/gtest.h>
 #include <sys/acl.h>
@@ -6,8 +7,6 @@
 namespace marrowbox {
 
 namespace {
-
-constexpr uid_t stranger = 65534;
 
 /// Gives a path an access control list; false where the file system keeps none.
 bool setList(const fs::path& path, acl_type_t type, const char* text) {
@@ -134,9 +133,34 @@ TEST_F(CredentialSafety, refusesWhatBelongsToSomebodyElse) {
                                                        {folder.directory(), test::unsafeFolder},
                                                        {folder.parent(), test::unsafeParent}};
     for (const auto& [path, sentence] : places) {
-        ASSERT_EQ(give(path, stranger), 0);
+        ASSERT_EQ(give(path, test::stranger), 0);
         expectRefusal(sentence);
         ASSERT_EQ(give(path, 0), 0);
+    }
+    EXPECT_EQ(folder.read("key"), "old");
+}
+
+TEST_F(CredentialSafety, isNotHeldUpByWhatIsNoFile) {
+    if (const auto reason = test::reasonForNoStranger())
+        GTEST_SKIP() << *reason;
+    const std::pair<fs::path, const char*> places[] = {{folder.file(), test::unsafeFile},
+                                                       {folder.lock(), test::unsafeLock}};
+    for (const auto& [path, sentence] : places) {
+        fs::rename(path, folder.parent() / "away");
+        for (const mode_t kind : {mode_t(S_IFIFO), mode_t(S_IFSOCK)}) {
+            ASSERT_EQ(::mknod(path.c_str(), kind | 0600, 0), 0);
+            expectRefusal(sentence);
+            fs::remove(path);
+        }
+        {
+            const test::EndlessPipe pipe(path);
+            expectRefusal(sentence);
+        }
+        fs::remove(path);
+        fs::create_directory(path);
+        expectRefusal(sentence);
+        fs::remove(path);
+        fs::rename(folder.parent() / "away", path);
     }
     EXPECT_EQ(folder.read("key"), "old");
 }

@@ -456,6 +456,24 @@ TEST_F(GoogleSignInTest, waitsForADescriptorForTheBrowser) {
     result_.get();
 }
 
+TEST_F(GoogleSignInTest, servesTheBrowserWhileAnotherUserConnectsAndSaysNothing) {
+    begin();
+    const auto before = settledDescriptors();
+    constexpr int strangers = 300;
+    asio::io_context context;
+    std::vector<asio::ip::tcp::socket> silent;
+    for (int number = 0; number < strangers; ++number)
+        silent.emplace_back(context).connect({asio::ip::address_v4::loopback(), port()});
+    EXPECT_THAT(get(port(), "/"), StartsWith(invalid)); // all of them have been taken by now
+    EXPECT_LE(settledDescriptors(), before + strangers + 70);
+    char nothing = 0;
+    boost::system::error_code dropped;
+    silent.front().read_some(asio::buffer(&nothing, 1), dropped);
+    EXPECT_EQ(dropped, asio::error::eof) << "the first is dropped for the latest";
+    consent();
+    EXPECT_EQ(result_.get().accessToken, "a");
+}
+
 TEST_F(GoogleSignInTest, canSignInAgain) {
     begin();
     EXPECT_THAT(get(port(), callback("&error=x")), StartsWith("HTTP/1.1 200 OK"));

@@ -1,6 +1,11 @@
 #include "Platform/DataDirectory.h"
 
+#include "Platform/Files.h"
+#include "Support/ScratchFolder.h"
+
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace marrowbox {
 
@@ -17,6 +22,17 @@ TEST(DataDirectory, isTheCurrentFolderWhenTheVariableIsEmpty) {
 
 TEST(DataDirectory, startsFromTheCurrentFolderWhenTheVariableIsRelative) {
     EXPECT_EQ(dataDirectory({{"MARROW_DATA_DIR", "data"}}), std::filesystem::current_path() / "data");
+}
+
+TEST(DataDirectory, needsNoCurrentFolderWhenTheVariableNamesAWholePath) {
+    const Descriptor before = openFile(".", O_RDONLY | O_DIRECTORY, 0);
+    {
+        const test::ScratchFolder gone;
+        ASSERT_EQ(::chdir(gone.path().c_str()), 0);
+    }
+    EXPECT_EQ(dataDirectory({{"MARROW_DATA_DIR", "/data"}}), "/data");
+    EXPECT_ANY_THROW(dataDirectory({{"MARROW_DATA_DIR", "data"}}));
+    ASSERT_EQ(::fchdir(before.number()), 0);
 }
 
 TEST(DataDirectory, liesInTheDesktopsFolderForApplicationData) {

@@ -82,7 +82,7 @@ TEST_F(BadDestination, isAnIdentityFailureWhenTheDiskIsGoneBeforeTheRun) {
 TEST_F(BadDestination, makesNothingInPlaceOfADiskThatGoesAwayWhileFilesArrive) {
     run->source->put("new", "new content");
     run->source->afterDownload = [&](int, const fs::path&) { disk.takeAway(); };
-    EXPECT_THROW((*run)(), std::system_error);
+    EXPECT_EQ(thrown<BackupError>([&] { (*run)(); }), identityRefusal);
     EXPECT_TRUE(fs::is_empty(disk.path()));
 }
 

@@ -24,14 +24,15 @@ void failOnWarning(QtMsgType type, const QMessageLogContext&, const QString& mes
         ADD_FAILURE() << message.toStdString();
 }
 
-/// The first text that can be seen in an item, or in a popup below it alone.
-QString textBelow(const QQuickItem& item, bool isInPopup) {
+/// The first text that can be seen in an item that is in a tool tip, or else in a tool tip below it.
+QString textBelow(const QQuickItem& item, bool isInTip) {
     if (!item.isVisible())
         return {};
-    if (isInPopup && item.inherits("QQuickText"))
+    if (isInTip && item.inherits("QQuickText"))
         return item.property("text").toString();
     for (const QQuickItem* const child : item.childItems()) {
-        const QString text = textBelow(*child, isInPopup || child->inherits("QQuickPopupItem"));
+        const QString text =
+            textBelow(*child, isInTip || (child->parent() && child->parent()->inherits("QQuickToolTip")));
         if (!text.isEmpty())
             return text;
     }

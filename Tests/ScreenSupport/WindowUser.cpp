@@ -110,6 +110,11 @@ QString WindowUser::textIn(const QString& name) {
     return element ? element->text(QAccessible::Value) : QString();
 }
 
+QAccessible::Role WindowUser::role(const QString& name) {
+    QAccessibleInterface* const element = found(name);
+    return element ? element->role() : QAccessible::NoRole;
+}
+
 bool WindowUser::isChecked(const QString& name) {
     QAccessibleInterface* const element = found(name);
     return element && element->state().checked;

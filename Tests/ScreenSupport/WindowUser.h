@@ -35,6 +35,7 @@ class WindowUser {
     /// What a screen reader says after the name.
     QString description(const QString& name);
     QString textIn(const QString& name);
+    QAccessible::Role role(const QString& name);
     bool isChecked(const QString& name);
 
     void click(const QString& name);

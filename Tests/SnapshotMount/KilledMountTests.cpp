@@ -1,7 +1,7 @@
 // What a program that is killed in the middle of a mount leaves, and what the next one makes of it.
 #include "KillSwitch.h"
 #include "LinuxWorld.h"
-#include "TreeState.h"
+#include "Support/TreeState.h"
 
 #include "Platform/Files.h"
 #include "SnapshotMount/ProcessEnd.h"

@@ -6,7 +6,7 @@
 #include "Repository/LockBusyError.h"
 #include "SnapshotMount/ProcessEnd.h"
 #include "Support/Thrown.h"
-#include "TreeState.h"
+#include "Support/TreeState.h"
 
 #include <atomic>
 #include <csignal>

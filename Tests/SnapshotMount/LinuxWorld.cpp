@@ -26,8 +26,10 @@ LinuxWorld::LinuxWorld() : machine(std::make_shared<LiveMountSystem>(ProcessSurr
 LinuxWorld::~LinuxWorld() {
     if (pool_)
         pool_->join();
-    for (const Attachment& mount : SquashfsTool::inventory(
-             runTool("/usr/bin/findmnt", {"--json", "--list", "--output", "SOURCE,TARGET,FSTYPE"}).output))
+    const std::string mounts =
+        runTool("/usr/bin/findmnt", {"--json", "--list", "--output", "SOURCE,TARGET,FSTYPE,FS-OPTIONS"})
+            .output;
+    for (const Attachment& mount : SquashfsTool::inventory(mounts, ::getuid()))
         if (mount.image.native().starts_with(fs::canonical(scratch.path()).native()))
             runTool("/usr/bin/fusermount3", {"-u", "-z", mount.mountPoint->string()});
 }

@@ -1,7 +1,12 @@
+#include "Platform/Files.h"
 #include "SnapshotMount/SnapshotMountSystem.h"
+#include "Support/Children.h"
 #include "Support/Coroutine.h"
+#include "Support/ScratchFolder.h"
+#include "Support/Stranger.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace marrowbox {
 
@@ -19,6 +24,28 @@ TEST(LiveMountSystem, listsWholeCommandsWhateverTheUsersShellSays) {
         EXPECT_EQ(answer.status, 0) << setting;
         EXPECT_NE(answer.output.find(mark), std::string::npos) << setting;
     }
+}
+
+TEST(LiveMountSystem, waitsForNoProcessOfAnotherUser) {
+    if (const auto reason = test::reasonForNoStranger())
+        GTEST_SKIP() << *reason;
+    const test::ScratchFolder scratch;
+    fs::permissions(scratch.path(), fs::perms(0755));
+    const test::NamedPipe never(scratch / "never");
+    fs::permissions(never.path(), fs::perms(0666));
+    const Descriptor held = never.hold();
+    const test::NamedPipe ready(scratch / "ready");
+    fs::permissions(ready.path(), fs::perms(0666));
+    const std::string script =
+        "echo ready >" + ready.path().string() + "; read line <" + never.path().string();
+    const std::string mark = scratch / "Snapshot.dmg";
+    const test::StrangerAtWork program([&] {
+        ::execl("/bin/sh", "sh", "-c", script.c_str(), mark.c_str(), nullptr);
+        return false;
+    });
+    EXPECT_EQ(ready.read(), "ready\n");
+    LiveMountSystem machine(ProcessSurroundings::ofThisProcess());
+    EXPECT_TRUE(machine.processesWithArguments({mark}).empty());
 }
 
 } // namespace marrowbox

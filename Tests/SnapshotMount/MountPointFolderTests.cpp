@@ -3,8 +3,9 @@
 #include "Models/BackupError.h"
 #include "Platform/Files.h"
 #include "Support/ScratchFolder.h"
+#include "Support/Stranger.h"
 #include "Support/Thrown.h"
-#include "TreeState.h"
+#include "Support/TreeState.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -29,7 +30,21 @@ struct Points {
 
 TEST(MountPointFolder, liesInTheRuntimeFolderOfTheSession) {
     const test::ScratchFolder scratch;
-    EXPECT_EQ(MountPointFolder::place({{"XDG_RUNTIME_DIR", scratch.path()}}, 1000), scratch / "marrowbox");
+    EXPECT_EQ(MountPointFolder::place({{"XDG_RUNTIME_DIR", scratch.path()}}, ::getuid()),
+              scratch / "marrowbox");
+}
+
+TEST(MountPointFolder, liesInNoRuntimeFolderThatIsNotTheUsersAlone) {
+    const test::ScratchFolder scratch;
+    const std::map<std::string, std::string> environment{{"XDG_RUNTIME_DIR", scratch.path()}};
+    const uid_t user = ::getuid();
+    EXPECT_EQ(MountPointFolder::place(environment, user + 1), "/tmp/marrowbox-" + std::to_string(user + 1));
+    for (const unsigned mode : {0777U, 0770U, 01777U, 0702U}) {
+        fs::permissions(scratch.path(), fs::perms(mode));
+        EXPECT_EQ(MountPointFolder::place(environment, user), "/tmp/marrowbox-" + std::to_string(user));
+    }
+    fs::permissions(scratch.path(), fs::perms(0755));
+    EXPECT_EQ(MountPointFolder::place(environment, user), scratch / "marrowbox");
 }
 
 TEST(MountPointFolder, liesBesideTheUsersNumberWhereTheSessionHasNone) {
@@ -65,6 +80,18 @@ TEST(MountPointFolder, ofSomebodyElseIsRefused) {
     Points points;
     points.folder.prepare();
     points.folder = MountPointFolder(points.folder.path(), ::getuid() + 1);
+    points.expectRefused();
+}
+
+TEST(MountPointFolder, thatAnotherUserMadeBeforeIsRefused) {
+    if (const auto reason = test::reasonForNoStranger())
+        GTEST_SKIP() << *reason;
+    Points points;
+    fs::permissions(points.scratch.path(), fs::perms(01777));
+    ASSERT_TRUE(test::doneByStranger([&] { return ::mkdir(points.folder.path().c_str(), 0700) == 0; }));
+    points.expectRefused();
+    fs::remove(points.folder.path());
+    ASSERT_TRUE(test::doneByStranger([&] { return ::mkfifo(points.folder.path().c_str(), 0777) == 0; }));
     points.expectRefused();
 }
 

@@ -7,7 +7,7 @@
 #include "SnapshotMount/SnapshotMount.h"
 #include "Support/ScratchFolder.h"
 #include "Support/Thrown.h"
-#include "TreeState.h"
+#include "Support/TreeState.h"
 
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/io_context.hpp>

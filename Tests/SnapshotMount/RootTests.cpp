@@ -3,6 +3,8 @@
 #include "Models/BackupError.h"
 #include "Platform/Files.h"
 #include "SnapshotMount/MountPaths.h"
+#include "Support/Stranger.h"
+#include "Support/Thrown.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -71,6 +73,41 @@ TEST(MountRoots, thatWereGivenToAnotherUserAreRefused) {
         SCOPED_TRACE(root);
         world.expectEveryOperationRefuses(unsafeRoot);
     }
+}
+
+TEST(MountRoots, areNotMadeInAFolderOfAnotherUser) {
+    if (const auto reason = test::reasonForNoStranger())
+        GTEST_SKIP() << *reason;
+    const test::ScratchFolder scratch;
+    const fs::path data = scratch / "data";
+    makeDirectory(data, 0777);
+    test::giveToStranger(data);
+    const MountRegistryFolder folder(data / "MountedSnapshots", std::make_shared<test::ScriptedMachine>());
+    EXPECT_EQ(test::thrown<BackupError>([&] { folder.ensureDirectories(); }), unsafeRoot);
+    EXPECT_TRUE(fs::is_empty(data));
+}
+
+TEST(MountRoots, areLockedThroughNoLink) {
+    test::MountWorld world;
+    openFile(world.scratch / "elsewhere", O_WRONLY | O_CREAT, 0600);
+    for (const fs::path& target : {world.scratch / "elsewhere", world.scratch / "missing"}) {
+        fs::remove(world.directory / "mounts.lock");
+        fs::create_symlink(target, world.directory / "mounts.lock");
+        SCOPED_TRACE(target);
+        EXPECT_EQ(test::thrown<BackupError>([&] { world.folder.lock(); }),
+                  "Could not open the backup lock. Check destination permissions.");
+    }
+    EXPECT_FALSE(fs::exists(world.scratch / "missing"));
+}
+
+TEST(MountRoots, areLockedWithoutWaitingForAPipe) {
+    if (const auto reason = test::reasonForNoStranger())
+        GTEST_SKIP() << *reason;
+    test::MountWorld world;
+    fs::remove(world.directory / "mounts.lock");
+    const test::EndlessPipe pipe(world.directory / "mounts.lock");
+    world.folder.lock();
+    EXPECT_TRUE(fs::is_fifo(world.directory / "mounts.lock"));
 }
 
 TEST(MountRoots, thatVanishedFailValidationWithTheSystemsError) {

@@ -62,7 +62,7 @@ TEST(SquashfsTool, attachesOnAPrivateFolderNamedByTheVolume) {
     const std::vector<ToolCommand> expected{
         {"/usr/bin/squashfuse",
          {"-o", "ro,fsname=/w/Snapshot.dmg", "/w/Snapshot.dmg", tool.expectedPoint().string()}},
-        {"/usr/bin/findmnt", {"--json", "--list", "--output", "SOURCE,TARGET,FSTYPE"}}};
+        {"/usr/bin/findmnt", {"--json", "--list", "--output", "SOURCE,TARGET,FSTYPE,FS-OPTIONS"}}};
     EXPECT_EQ(tool.machine->calls, expected);
     EXPECT_EQ(linkStatus(tool.points.path())->st_mode, mode_t(S_IFDIR | 0700));
     EXPECT_EQ(linkStatus(tool.expectedPoint())->st_mode, mode_t(S_IFDIR | 0700));
@@ -138,11 +138,36 @@ TEST(SquashfsTool, findsTheFuseMountsInTheListOfMounts) {
                                             "0A0C7F5B-6A57-4C3B-9A30-3D2A0F5E9A11/Snapshot.dmg",
                                             "/run/user/1000/marrowbox/Marrowbox Papers 11-21 1504"},
                                            {"/home/rené/a \"quoted\"\nname, and a \\.dmg", "/mnt/x"}};
-    EXPECT_EQ(SquashfsTool::inventory(recorded("findmnt-desktop.json")), expected);
+    EXPECT_EQ(SquashfsTool::inventory(recorded("findmnt-desktop.json"), 1000), expected);
+}
+
+TEST(SquashfsTool, believesNoMountOfAnotherUser) {
+    const std::string text = recorded("findmnt-of-two-users.json");
+    const fs::path image = "/home/anna/Snapshot.dmg";
+    EXPECT_EQ(SquashfsTool::inventory(text, 1000),
+              (std::vector<Attachment>{{image, "/run/user/1000/marrowbox/Papers"},
+                                       {"/home/anna/other.dmg", "/mnt/of nobody known"}}));
+    EXPECT_EQ(SquashfsTool::inventory(text, 1001),
+              (std::vector<Attachment>{{image, "/home/mallory/mine"},
+                                       {image, "/home/mallory/too"},
+                                       {"/home/anna/other.dmg", "/mnt/of nobody known"}}));
+}
+
+TEST(SquashfsTool, handsOutNoFolderOnWhichAnotherUserMountedTheImagesName) {
+    Tool tool;
+    tool.machine->answer("squashfuse", ProcessRunner::Result{1, ""});
+    const std::string theirs = R"({"filesystems":[{"source":"/w/Snapshot.dmg","target":"/home/mallory/mine",)"
+                               R"("fstype":"fuse","fs-options":"rw,user_id=)" +
+                               std::to_string(::getuid() + 1) + R"(,group_id=0"}]})";
+    tool.machine->answer("findmnt", ProcessRunner::Result{0, theirs});
+    EXPECT_FALSE(tool.attach());
+    tool.machine->answer("squashfuse", ProcessRunner::Result{0, ""});
+    EXPECT_FALSE(tool.attach());
+    EXPECT_TRUE(test::await(tool.squashfs.attached({})).empty());
 }
 
 TEST(SquashfsTool, acceptsPathsThatAreNotUTF8) {
-    const auto mounts = SquashfsTool::inventory(findmntText("/w/\xe9.dmg", "/mnt/\xff"));
+    const auto mounts = SquashfsTool::inventory(findmntText("/w/\xe9.dmg", "/mnt/\xff"), 1000);
     EXPECT_EQ(mounts, (std::vector<Attachment>{{"/w/\xe9.dmg", "/mnt/\xff"}}));
 }
 
@@ -150,7 +175,7 @@ TEST(SquashfsTool, failsTheWholeInventoryForOneMountThatIsNotComplete) {
     for (const std::string name :
          {"findmnt-fuse-without-source.json", "findmnt-fuse-without-target.json", "findmnt-empty-target.json",
           "findmnt-without-type.json", "findmnt-line-of-text.json"})
-        EXPECT_EQ(test::thrown<BackupError>([&] { SquashfsTool::inventory(recorded(name)); }),
+        EXPECT_EQ(test::thrown<BackupError>([&] { SquashfsTool::inventory(recorded(name), 1000); }),
                   "The system returned an incomplete disk-image inventory.")
             << name;
 }
@@ -159,7 +184,7 @@ TEST(SquashfsTool, failsAnInventoryOfAnotherShape) {
     for (const std::string name :
          {"findmnt-array.json", "findmnt-without-list.json", "findmnt-list-as-object.json",
           "findmnt-truncated.json", "findmnt-with-warning-behind.json"})
-        EXPECT_EQ(test::thrown<BackupError>([&] { SquashfsTool::inventory(recorded(name)); }),
+        EXPECT_EQ(test::thrown<BackupError>([&] { SquashfsTool::inventory(recorded(name), 1000); }),
                   "The system returned ambiguous disk-image state.")
             << name;
 }

@@ -160,7 +160,7 @@ class AppStore : public StoreChanges, public std::enable_shared_from_this<AppSto
     asio::awaitable<void> passEmails(std::stop_token stop);
     asio::awaitable<void> deliverImmediateEmails(std::stop_token stop);
     asio::awaitable<void> deliverDigests(std::stop_token stop);
-    std::vector<Uuid> unitsWithDigest(Date now) const;
+    std::set<Uuid> unitsWithDigest(Date now) const;
     std::vector<RunRecord> runsToMail(Date now) const;
     const EmailSettings& mailSettings(const RunRecord& run) const;
     bool canMail(const EmailSettings& settings) const;

@@ -1,8 +1,9 @@
 #include "Marrowbox/AppStore/AppStore.h"
+#include "Marrowbox/AppStore/DataFolder.h"
 #include "Marrowbox/AppStore/HeldFlag.h"
 #include "Models/BackupError.h"
 #include "Platform/AtomicLeftovers.h"
-#include "Platform/Files.h"
+#include "Platform/PlainFile.h"
 
 namespace marrowbox {
 
@@ -16,6 +17,7 @@ void AppStore::loadClientAtStart() {
     const bool importedIsInForce = state_.configuration->usesImportedClient;
     const fs::path imported = dataDirectory_ / importedClientName;
     if (importedIsInForce && fs::exists(imported)) {
+        DataFolder::refuseForeignFile(imported);
         loadClient(imported);
     } else if (around_.bundledClient) {
         loadClient(*around_.bundledClient);
@@ -57,7 +59,7 @@ asio::awaitable<void> AppStore::chooseClient() {
 void AppStore::adoptClient(const fs::path& file) {
     requireWritable();
     const OAuthClient client = OAuthClient::load(file);
-    const std::string bytes = readFile(file);
+    const std::string bytes = readAll(openRegularFile(file));
     AtomicFile copy(dataDirectory_ / importedClientName);
     writeAll(copy.descriptor(), bytes);
     synchronize(copy.descriptor(), dataDirectory_ / importedClientName);

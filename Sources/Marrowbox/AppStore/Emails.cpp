@@ -154,20 +154,24 @@ bool AppStore::note(const std::set<Uuid>& runs, const std::optional<std::string>
 
 asio::awaitable<void> AppStore::deliverDigests(std::stop_token stop) {
     const Date now = around_.clock();
-    const std::vector<Uuid> ids = unitsWithDigest(now);
+    std::vector<Uuid> ids;
+    for (const SyncUnit& unit : state_.configuration->units)
+        ids.push_back(unit.id);
+    std::set<Uuid> due = unitsWithDigest(now);
     for (const Uuid& id : ids) {
-        // Looked up at its turn, since the mail before it took its time.
-        const SyncUnit* const unit = state_.unit(id);
-        if (unit && isDigestDue(*unit, now))
-            co_await deliverDigest(*unit, now, stop);
+        const SyncUnit* const unit = due.contains(id) ? state_.unit(id) : nullptr;
+        if (!unit)
+            continue;
+        co_await deliverDigest(*unit, now, stop);
+        due = unitsWithDigest(now); // the mail took its time, in which a run may have ended or a unit gone
     }
 }
 
-std::vector<Uuid> AppStore::unitsWithDigest(Date now) const {
-    std::vector<Uuid> due;
+std::set<Uuid> AppStore::unitsWithDigest(Date now) const {
+    std::set<Uuid> due;
     for (const SyncUnit& unit : state_.configuration->units)
         if (isDigestDue(unit, now))
-            due.push_back(unit.id);
+            due.insert(unit.id);
     if (due.empty())
         return due;
     // One walk through a long history for all units together.

@@ -1,4 +1,5 @@
 #include "Marrowbox/AppStore/AppStore.h"
+#include "Marrowbox/AppStore/DataFolder.h"
 #include "Marrowbox/AppStore/Failure.h"
 #include "Marrowbox/AppStore/OnExecutor.h"
 #include "Models/JSONFile.h"
@@ -10,28 +11,6 @@ namespace {
 
 constexpr std::chrono::duration<double> tickInterval{30};
 constexpr std::chrono::duration<double> unmountSettlingTime{0.7};
-
-/// Makes the data folder where there is none yet, and gives the folders that hold a new name by then. The one
-/// above the data folder always counts: an earlier start may have been stopped before its name lasted.
-std::vector<fs::path> makeDataFolder(const fs::path& path) {
-    std::vector<fs::path> holders{path.parent_path()};
-    while (!linkStatus(holders.back()) && holders.back().has_relative_path())
-        holders.push_back(holders.back().parent_path());
-    makeDirectories(path, 0700);
-    return holders;
-}
-
-void makeNamesLast(const std::vector<fs::path>& folders) {
-    for (const fs::path& folder : folders) {
-        try {
-            synchronizeFolder(folder);
-        } catch (const std::system_error& failure) {
-            // A folder that the user may only pass through was not made here.
-            if (failure.code() != std::errc::permission_denied)
-                throw;
-        }
-    }
-}
 
 } // namespace
 
@@ -50,10 +29,11 @@ void AppStore::bringUp() {
 }
 
 void AppStore::load() {
-    const std::vector<fs::path> holders = makeDataFolder(dataDirectory_);
+    const std::vector<fs::path> holders = DataFolder::make(dataDirectory_);
     lifetimeLock_.emplace(dataDirectory_ / ".application.lock",
                           "This backup is already in use. Wait for the other job to finish.");
     const fs::path file = dataDirectory_ / "Configuration.json";
+    DataFolder::refuseForeignFile(file);
     // A link whose disk is away is a configuration that cannot be read, and none to begin anew and write
     // over.
     if (linkStatus(file))
@@ -67,7 +47,7 @@ void AppStore::load() {
     readLoginItemAtStart();
     removeAtomicLeftovers(file);
     persist();
-    spawn(onExecutor(around_.pool, [holders] { makeNamesLast(holders); }));
+    spawn(onExecutor(around_.pool, [holders] { DataFolder::makeNamesLast(holders); }));
 }
 
 void AppStore::recoverInterruptedRuns() {

@@ -10,6 +10,10 @@ namespace {
 const QColor alert = QColor::fromRgbF(0.80F, 0.13F, 0.19F);
 const QColor success = QColor::fromRgbF(0.10F, 0.55F, 0.30F);
 
+/// A little more than the strongest tint of it that text in the colour of a failure stands on, since the tint
+/// becomes lighter with the text.
+constexpr float strongestAlertTint = 0.11F;
+
 QColor faded(QColor colour, float opacity) {
     colour.setAlphaF(opacity);
     return colour;
@@ -65,7 +69,9 @@ Colors darkColors() {
         .inverse = QColor(0x3A3C43),
         .inverseLabel = QColor(0xF3F4F6),
     });
-    colors.alert = lightenedOn(colors.popup, alert);
+    // A menu shows what cannot be undone on a highlight of the same colour.
+    colors.alert =
+        lightenedOn(over(faded(lightenedOn(colors.popup, alert), strongestAlertTint), colors.popup), alert);
     colors.success = lightenedOn(colors.popup, success);
     colors.secondary = strengthenedOn(colors.popup, colors.secondary);
     colors.faint = strengthenedOn(colors.popup, colors.faint);

@@ -3,7 +3,8 @@ import QtQuick.Layouts
 import Marrowbox.Appearance
 import Marrowbox.ContentView
 
-// One fact about a backup. With a link it is a button, and only then: what cannot be pressed must not read as if it could.
+// One fact about a backup. With a link it is a button, and without one it is none to anybody: each is an element of its own,
+// since a button keeps its role for good.
 Loader {
     id: root
 
@@ -19,23 +20,7 @@ Loader {
     Layout.fillWidth: true
     Layout.fillHeight: true
     Layout.preferredWidth: 1
-    sourceComponent: link !== "" ? button : plain
-
-    Component {
-        id: plain
-
-        Card {
-            Accessible.role: Accessible.Grouping
-            Accessible.name: root.spokenName
-            Accessible.description: root.detail
-
-            InfoCellContent {
-                Layout.fillWidth: true
-                Layout.fillHeight: true
-                cell: root
-            }
-        }
-    }
+    sourceComponent: link !== "" ? button : fact
 
     Component {
         id: button
@@ -43,13 +28,36 @@ Loader {
         PressCard {
             id: card
 
-            spokenName: root.spokenName
             help: qsTr("Open in Google Drive")
+            spokenName: root.spokenName
             onClicked: root.opened()
-            contentItem: InfoCellContent {
-                cell: root
-                linkSymbol: "arrow.up.right"
+
+            contentItem: InfoFact {
+                title: root.title
+                value: root.value
+                detail: root.detail
+                symbol: root.symbol
+                opens: true
                 active: card.active
+            }
+        }
+    }
+
+    Component {
+        id: fact
+
+        Card {
+            Accessible.role: Accessible.Grouping
+            Accessible.name: root.spokenName
+            Accessible.description: root.detail
+
+            InfoFact {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                title: root.title
+                value: root.value
+                detail: root.detail
+                symbol: root.symbol
             }
         }
     }

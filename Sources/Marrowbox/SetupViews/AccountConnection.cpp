@@ -20,6 +20,10 @@ QString AccountConnection::titleOr(const QString& own) const {
     return isWaiting() ? tr("Waiting for Google…") : own;
 }
 
+QString AccountConnection::waitingReason() {
+    return tr("Finish signing in with your browser.");
+}
+
 void AccountConnection::connectAccount() {
     store_->connect(false, std::nullopt);
 }

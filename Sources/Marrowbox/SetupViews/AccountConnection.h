@@ -16,6 +16,7 @@ class AccountConnection : public QObject {
     QML_UNCREATABLE("")
     Q_PROPERTY(bool isWaiting READ isWaiting NOTIFY changed)
     Q_PROPERTY(QString title READ title NOTIFY changed)
+    Q_PROPERTY(QString waitingReason READ waitingReason CONSTANT)
 
   public:
     explicit AccountConnection(std::shared_ptr<AppStore> store, QObject* parent = nullptr);
@@ -25,6 +26,9 @@ class AccountConnection : public QObject {
     QString title() const;
     /// While a sign-in is under way every button for one says so; otherwise it keeps its own title.
     QString titleOr(const QString& own) const;
+
+    /// Why no other sign-in can begin while one is under way.
+    static QString waitingReason();
 
     Q_INVOKABLE void connectAccount();
     Q_INVOKABLE void cancel();

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
+import Marrowbox.SetupViews
 
 // One connected account, with what can be done about it.
 ColumnLayout {
@@ -8,7 +9,7 @@ ColumnLayout {
 
     required property var account
     required property bool isFirst
-    required property bool isWaiting
+    required property AccountConnection connection
 
     signal reconnectWanted
     signal sendingWanted
@@ -62,15 +63,16 @@ ColumnLayout {
 
             ActionMenuItem {
                 text: qsTr("Reconnect account")
-                enabled: !root.isWaiting
+                enabled: !root.connection.isWaiting
+                disabledReason: root.connection.waitingReason
                 onTriggered: root.reconnectWanted()
             }
 
             ActionMenuItem {
                 text: qsTr("Enable Gmail sending…")
-                visible: !root.account.canSendEmail
-                height: visible ? implicitHeight : 0
-                enabled: !root.isWaiting
+                offered: !root.account.canSendEmail
+                enabled: !root.connection.isWaiting
+                disabledReason: root.connection.waitingReason
                 onTriggered: root.sendingWanted()
             }
 

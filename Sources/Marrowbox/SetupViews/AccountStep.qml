@@ -35,6 +35,7 @@ ColumnLayout {
             emptyTitle: qsTr("Choose an account")
             choices: root.model.accounts
             chosen: root.model.accountID
+            disabledReason: root.model.creatingReason
             onPicked: value => root.model.selectAccount(value)
         }
     }

@@ -44,7 +44,7 @@ ColumnLayout {
                 Layout.fillWidth: true
                 account: modelData
                 isFirst: index === 0
-                isWaiting: root.connection.isWaiting
+                connection: root.connection
                 onReconnectWanted: root.accounts.reconnect(modelData.id)
                 onSendingWanted: root.accounts.enableSending(modelData.id)
                 onDisconnectWanted: root.accounts.disconnectAccount(modelData.id)

@@ -12,24 +12,10 @@ Section {
     title: qsTr("Color")
     note: qsTr("Gives this backup its own color in the sidebar and on its page.")
 
-    GridLayout {
+    ThemePicker {
         Layout.fillWidth: true
         columns: 2
-        columnSpacing: Appearance.smallGap
-        rowSpacing: Appearance.smallGap
-
-        Repeater {
-            model: Appearance.accents
-
-            ThemeTile {
-                required property var modelData
-
-                Layout.fillWidth: true
-                Layout.preferredWidth: Appearance.tileHeight // alike for all, so that the columns are
-                theme: modelData.name
-                chosen: root.model.theme === modelData.name
-                onClicked: root.model.theme = modelData.name
-            }
-        }
+        chosen: root.model.theme
+        onPicked: theme => root.model.theme = theme
     }
 }

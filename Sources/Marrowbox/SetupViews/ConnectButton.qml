@@ -30,7 +30,7 @@ RowLayout {
         text: root.connection.title
         emphasis: ActionButton.Primary
         enabled: !root.connection.isWaiting
-        disabledReason: qsTr("Finish signing in with your browser.")
+        disabledReason: root.connection.waitingReason
         onClicked: root.begin()
     }
 

@@ -29,6 +29,7 @@ Section {
         ActionButton {
             text: qsTr("Choose folder…")
             enabled: !root.model.isChoosing
+            disabledReason: root.model.isCreating ? root.model.creatingReason : qsTr("Choose a folder in the window that has opened.")
             onClicked: root.model.chooseDestination()
         }
     }

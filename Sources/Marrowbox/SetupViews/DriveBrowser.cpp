@@ -16,6 +16,7 @@ DriveBrowser::~DriveBrowser() {
 
 void DriveBrowser::browse(std::string accountID) {
     accountID_ = std::move(accountID);
+    roots_.clear();
     path_.clear();
     load();
 }
@@ -49,7 +50,10 @@ void DriveBrowser::goBack() {
     if (path_.empty())
         return;
     path_.pop_back();
-    load();
+    if (isAtRoots())
+        showRoots();
+    else
+        load();
 }
 
 void DriveBrowser::reload() {
@@ -74,6 +78,16 @@ void DriveBrowser::load() {
     }
 }
 
+// They were listed when the account was chosen.
+void DriveBrowser::showRoots() {
+    listing_.request_stop();
+    hasFailed_ = false;
+    isLoading_ = false;
+    locations_.set(roots_);
+    emit listing();
+    emit changed();
+}
+
 asio::awaitable<void> DriveBrowser::list(QPointer<DriveBrowser> self, DriveAPI api,
                                          std::optional<DriveLocation> in, std::stop_token stop) {
     Outcome outcome;
@@ -92,6 +106,8 @@ void DriveBrowser::take(Outcome outcome) {
     isLoading_ = false;
     hasFailed_ = outcome.issue.has_value();
     locations_.set(std::move(outcome.locations));
+    if (isAtRoots())
+        roots_ = locations_.all();
     emit changed();
     if (outcome.issue)
         emit failed(QString::fromStdString(*outcome.issue));

@@ -70,11 +70,13 @@ class DriveBrowser : public QObject {
     static asio::awaitable<void> list(QPointer<DriveBrowser> self, DriveAPI api,
                                       std::optional<DriveLocation> in, std::stop_token stop);
     void load();
+    void showRoots();
     void take(Outcome outcome);
 
     std::shared_ptr<AppStore> store_;
     std::string accountID_;
-    std::vector<DriveLocation> path_; ///< Deepest last.
+    std::vector<DriveLocation> roots_; ///< Of the account, once they are listed.
+    std::vector<DriveLocation> path_;  ///< Deepest last.
     LocationList locations_;
     bool isLoading_ = false;
     bool hasFailed_ = false;

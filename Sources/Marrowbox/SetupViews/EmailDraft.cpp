@@ -144,11 +144,13 @@ void EmailDraft::askForPermission() {
 }
 
 void EmailDraft::save() {
+    const EmailSettings wanted = draft_;
     try {
         store_->saveEmail(draft_);
         error_.clear();
         isSaved_ = true;
     } catch (const std::exception& failure) {
+        draft_ = wanted; // what is put back in the store is not put back in the form
         error_ = QString::fromStdString(words(failure));
     }
     emit changed();

@@ -10,6 +10,14 @@ ColumnLayout {
     required property EmailDraft email
     required property AccountConnection connection
 
+    // Once saved there is nothing to save, and the keyboard goes on to what comes next.
+    function save() {
+        const byKey = saveButton.visualFocus;
+        email.save();
+        if (byKey && !saveButton.enabled)
+            saveButton.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason);
+    }
+
     spacing: Appearance.mediumGap
 
     Words {
@@ -54,11 +62,12 @@ ColumnLayout {
         spacing: Appearance.smallGap
 
         ActionButton {
+            id: saveButton
             text: root.email.saveTitle
             symbol: root.email.isSaved ? "checkmark" : ""
             enabled: root.email.isEdited
             disabledReason: qsTr("There is nothing to save.")
-            onClicked: root.email.save()
+            onClicked: root.save()
         }
 
         ActionButton {

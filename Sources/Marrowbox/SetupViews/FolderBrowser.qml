@@ -28,7 +28,7 @@ ColumnLayout {
             Layout.fillWidth: true
             text: root.browser.isAtRoots ? qsTr("My Drive & shared drives") : root.browser.placeName
             font: Appearance.strong
-            Accessible.role: Accessible.Heading
+            spokenRole: Accessible.Heading
         }
 
         ActionButton {

@@ -3,7 +3,8 @@
 namespace marrowbox {
 
 QString locationSymbol(const DriveLocation& location) {
-    return location.sharedDriveID ? QStringLiteral("person.2.crop.square.stack") : QStringLiteral("folder");
+    return location.sharedDriveID == location.id ? QStringLiteral("person.2.crop.square.stack")
+                                                 : QStringLiteral("folder");
 }
 
 void LocationList::set(std::vector<DriveLocation> locations) {

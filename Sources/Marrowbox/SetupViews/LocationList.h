@@ -8,7 +8,7 @@
 
 namespace marrowbox {
 
-/// The symbol of a place in Drive.
+/// The symbol of a place in a list: a folder, or a shared drive as a whole.
 QString locationSymbol(const DriveLocation& location);
 
 /// The places in Drive that can be opened next, for a list on the screen. Main thread.
@@ -22,6 +22,7 @@ class LocationList : public QAbstractListModel {
 
     void set(std::vector<DriveLocation> locations);
     const DriveLocation& at(int row) const { return locations_.at(static_cast<std::size_t>(row)); }
+    const std::vector<DriveLocation>& all() const { return locations_; }
     bool has(int row) const { return row >= 0 && row < rowCount(); }
 
     int rowCount(const QModelIndex& parent = {}) const override;

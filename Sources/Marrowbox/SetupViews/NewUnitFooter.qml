@@ -42,6 +42,7 @@ ColumnLayout {
         ActionButton {
             text: qsTr("Cancel")
             enabled: !root.model.isCreating
+            disabledReason: root.model.creatingReason
             onClicked: root.model.dismiss()
         }
 
@@ -49,7 +50,7 @@ ColumnLayout {
             text: qsTr("Create backup")
             emphasis: ActionButton.Primary
             enabled: root.model.canCreate
-            disabledReason: root.model.isCreating ? qsTr("The backup is being created.") : root.model.missing
+            disabledReason: root.model.isCreating ? root.model.creatingReason : root.model.missing
             onClicked: root.model.create()
         }
     }

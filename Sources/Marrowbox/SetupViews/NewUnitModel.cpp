@@ -33,7 +33,10 @@ QString NewUnitModel::sourceKind() const {
 }
 
 QString NewUnitModel::sourceSymbol() const {
-    return source_ ? locationSymbol(*source_) + QStringLiteral(".fill") : QString();
+    if (!source_)
+        return {};
+    return source_->sharedDriveID ? QStringLiteral("person.2.crop.square.stack.fill")
+                                  : QStringLiteral("folder.fill");
 }
 
 QString NewUnitModel::destinationText() const {
@@ -60,6 +63,10 @@ QString NewUnitModel::missing() const {
     if (!destination_)
         return tr("Choose a destination first.");
     return name_.trimmed().isEmpty() ? tr("Give the backup a name first.") : QString();
+}
+
+QString NewUnitModel::creatingReason() {
+    return tr("The backup is being created.");
 }
 
 void NewUnitModel::appear() {

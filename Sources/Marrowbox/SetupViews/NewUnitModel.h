@@ -29,6 +29,7 @@ class NewUnitModel : public QObject {
     Q_PROPERTY(bool canCreate READ canCreate NOTIFY changed)
     Q_PROPERTY(QString missing READ missing NOTIFY changed)
     Q_PROPERTY(bool isCreating READ isCreating NOTIFY changed)
+    Q_PROPERTY(QString creatingReason READ creatingReason CONSTANT)
 
   public:
     explicit NewUnitModel(std::shared_ptr<AppStore> store, QObject* parent = nullptr);
@@ -54,6 +55,8 @@ class NewUnitModel : public QObject {
     /// What is still to be chosen or filled in; empty when nothing is.
     QString missing() const;
     bool isCreating() const { return isCreating_; }
+    /// Why nothing can be changed while the backup is being made.
+    static QString creatingReason();
 
     /// To be called once the sheet is shown.
     Q_INVOKABLE void appear();

@@ -13,6 +13,7 @@ Sheet {
     title: qsTr("A new backup")
     subtitle: qsTr("One source. One safe place for every version.")
     closable: !model.isCreating
+    unclosableReason: model.creatingReason
     onOpened: model.appear()
 
     AccountStep {
@@ -50,6 +51,7 @@ Sheet {
         Layout.topMargin: Appearance.smallGap
         visible: root.model.hasSource && root.model.hasDestination
         enabled: !root.model.isCreating
+        disabledReason: root.model.creatingReason
         label: qsTr("Backup name")
         text: root.model.name
         onEdited: text => root.model.name = text

@@ -49,6 +49,7 @@ Card {
         ActionButton {
             text: qsTr("Change")
             spokenName: qsTr("Change source")
+            disabledReason: root.model.creatingReason
             onClicked: root.model.changeSource()
         }
     }

@@ -36,7 +36,7 @@ ScrollPane {
             font: Appearance.hero
             wrapMode: Text.Wrap
             lineHeight: 1
-            Accessible.role: Accessible.Heading
+            spokenRole: Accessible.Heading
         }
 
         WelcomeIntroduction {

@@ -38,8 +38,12 @@ std::string validated(std::string_view key) {
 }
 
 void prepareDirectory(const fs::path& directory, const CredentialFileCalls& calls) {
-    if (!linkStatus(directory))
+    if (!linkStatus(directory)) {
+        // Nothing is made in a folder of somebody else's; that there is none is the system's to say.
+        if (linkStatus(directory.parent_path()))
+            validateCredentialParent(directory);
         makeDirectory(directory, 0700);
+    }
     validateCredentialDirectory(directory, calls);
     excludeFromSystemBackups(directory);
 }

@@ -54,9 +54,13 @@ bool hasAccessList(const fs::path& path, const CredentialFileCalls& calls) {
     return list == AccessList::present;
 }
 
-void validateCredentialDirectory(const fs::path& directory, const CredentialFileCalls& calls) {
+void validateCredentialParent(const fs::path& directory) {
     if (!isSafeParent(directory.parent_path()))
         throw BackupError("Credential storage parent is unsafe. Credentials were not accessed.");
+}
+
+void validateCredentialDirectory(const fs::path& directory, const CredentialFileCalls& calls) {
+    validateCredentialParent(directory);
     if (!isPrivateDirectory(directory) || hasAccessList(directory, calls))
         throw BackupError("Credential storage permissions are unsafe. Credentials were not accessed.");
     if (!isAbsentOrPrivate(credentialFile(directory), calls))

@@ -14,6 +14,9 @@ bool isPrivateFile(const struct stat& status);
 /// Whether an access control list lets others at the path. Throws BackupError when the system will not tell.
 bool hasAccessList(const fs::path& path, const CredentialFileCalls& calls);
 
+/// Proves owner and mode of the folder above. Throws BackupError.
+void validateCredentialParent(const fs::path& directory);
+
 /// Proves that nobody else can read or swap the credentials: owner, kind, mode and access control list of the
 /// folder and of the files in it, and owner and mode of the folder above. Links are never followed, nothing
 /// is mended, and a file that is not there yet passes. Throws BackupError for the first check that fails.

@@ -1,10 +1,7 @@
 #include "Email/EmailTemplate.h"
 
 #include "Email/EmailMessage.h"
-#include "Platform/UnicodeText.h"
 #include "Platform/Wording.h"
-
-#include <algorithm>
 
 namespace marrowbox {
 
@@ -46,25 +43,14 @@ void appendElement(std::string& html, std::string_view begin, const std::string&
     html += end;
 }
 
-/// A text of several lines, with places to break a path or another word that is wider than a phone: the card
-/// would grow with it, and the mail beyond its screen.
-std::string wrapping(std::string_view text) {
-    constexpr std::size_t longestWord = 40;
-    constexpr std::size_t breakEvery = 24;
+/// A text of several lines.
+std::string escapedLines(const std::string& text) {
     std::string html;
-    while (!text.empty()) {
-        const auto end = std::min(text.find_first_of(" \n"), text.size());
-        std::size_t count = 0;
-        forEachScalar(text.substr(0, end), [&](char32_t, std::string_view bytes) {
-            if (end > longestWord && count > 0 && count % breakEvery == 0)
-                html += "<wbr>";
-            html += EmailMessage::escape(bytes);
-            ++count;
-        });
-        if (end < text.size())
-            html += text[end] == '\n' ? "<br>" : " ";
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
+    for (const char byte : EmailMessage::escape(text))
+        if (byte == '\n')
+            html += "<br>";
+        else
+            html += byte;
     return html;
 }
 
@@ -102,7 +88,7 @@ std::string EmailTemplate::html() const {
     html += "</table>";
     if (detail) {
         html += detailBegin;
-        html += wrapping(*detail);
+        html += escapedLines(*detail);
         html += "</div>";
     }
     html += footerBegin;

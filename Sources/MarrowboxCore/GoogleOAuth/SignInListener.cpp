@@ -20,6 +20,9 @@ using boost::system::error_code;
 namespace {
 
 constexpr std::size_t largestRequest = 16384;
+/// Far more than a browser opens. Anybody on this machine can connect and say nothing, and each connection
+/// takes a descriptor from the whole program.
+constexpr std::size_t mostConnections = 64;
 constexpr std::string_view blankLine = "\r\n\r\n";
 
 // A tool that is started meanwhile must not hold the port.
@@ -105,9 +108,20 @@ asio::awaitable<void> SignInListener::accept(std::shared_ptr<SignInListener> sel
 void SignInListener::open(tcp::socket socket) {
     closeOnExec(socket);
     auto connection = std::make_shared<Connection>(Connection{std::move(socket), {}});
-    std::erase_if(connections_, [](const auto& weak) { return weak.expired(); });
+    makeRoom();
     connections_.push_back(connection);
     asio::co_spawn(executor_, serve(shared_from_this(), std::move(connection)), connectionEnded);
+}
+
+/// Drops the connection that has kept silent the longest when there are too many.
+void SignInListener::makeRoom() {
+    std::erase_if(connections_, [](const auto& weak) { return weak.expired(); });
+    if (connections_.size() < mostConnections)
+        return;
+    error_code ignored;
+    if (const auto oldest = connections_.front().lock())
+        oldest->socket.close(ignored);
+    connections_.erase(connections_.begin());
 }
 
 asio::awaitable<void> SignInListener::serve(std::shared_ptr<SignInListener> self,

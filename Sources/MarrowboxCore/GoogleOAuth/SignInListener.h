@@ -48,6 +48,7 @@ class SignInListener : public std::enable_shared_from_this<SignInListener> {
     static asio::awaitable<bool> receive(SharedConnection connection);
     static asio::awaitable<void> answer(std::shared_ptr<SignInListener> self, SharedConnection connection);
     void open(asio::ip::tcp::socket socket);
+    void makeRoom();
 
     asio::any_io_executor executor_;
     std::string expectedState_;

@@ -2,18 +2,17 @@
 
 #include "Models/JSONReader.h"
 #include "Models/JSONWriter.h"
-#include "Platform/Files.h"
-
-#include <fcntl.h>
+#include "Platform/PlainFile.h"
 
 /// How records reach the disk. It takes no lock and mends nothing; a failure to read, decode, encode or write
 /// passes through unchanged. Any thread.
 namespace marrowbox::JSONFile {
 
-/// Reads and decodes a whole file.
+/// Reads and decodes a whole file, through a link as well. A pipe, or what else is no file, is a failure and
+/// never keeps the reader waiting.
 template <typename Record>
 Record read(const fs::path& path) {
-    return decodeJSON<Record>(openFile(path, O_RDONLY));
+    return decodeJSON<Record>(openRegularFile(path));
 }
 
 /// Replaces the file in one rename, pretty printed with sorted keys, mode 0600. Not synchronised: a caller

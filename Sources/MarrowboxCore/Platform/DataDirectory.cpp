@@ -35,6 +35,8 @@ fs::path homeDirectory(const Environment& environment) {
 
 fs::path dataDirectory(const Environment& environment) {
     const auto chosen = environment.find("MARROW_DATA_DIR");
+    if (chosen != environment.end() && chosen->second.starts_with('/'))
+        return chosen->second; // the current folder may be gone by now
     if (chosen != environment.end())
         return fs::current_path() / chosen->second;
     fs::path applicationData = folderNamedBy("XDG_DATA_HOME", environment);

@@ -26,12 +26,25 @@ auto retryInterrupted(Call call) {
     }
 }
 
+/// Gives a folder that was just made the mode that a umask may have kept from it. Whoever may write to the
+/// folder above can put a link in its place meanwhile, so that nothing is changed without need, and nothing
+/// through a link.
+void giveMode(int above, const fs::path& path, mode_t mode) {
+    struct stat status{};
+    if (::fstatat(above, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+        throwSystemError("stat", path);
+    if (S_ISDIR(status.st_mode) && (status.st_mode & 07777) == mode)
+        return;
+    if (::fchmodat(above, path.c_str(), mode, AT_SYMLINK_NOFOLLOW) != 0)
+        throwSystemError("chmod", path);
+}
+
 /// False with errno set when there is no new folder; a mode that is given holds whatever the umask.
 bool isMade(const fs::path& path, std::optional<mode_t> mode) {
     if (::mkdir(path.c_str(), mode.value_or(0777)) != 0)
         return false;
-    if (mode && ::chmod(path.c_str(), *mode) != 0)
-        throwSystemError("chmod", path);
+    if (mode)
+        giveMode(AT_FDCWD, path, *mode);
     return true;
 }
 
@@ -47,8 +60,8 @@ void makeLongDirectories(const fs::path& path, std::optional<mode_t> mode) {
         const bool isNew = ::mkdirat(folder.number(), piece.c_str(), mode.value_or(0777)) == 0;
         if (!isNew && errno != EEXIST)
             throwSystemError("mkdir", path);
-        if (isNew && mode && ::fchmodat(folder.number(), piece.c_str(), *mode, 0) != 0)
-            throwSystemError("chmod", path);
+        if (isNew && mode)
+            giveMode(folder.number(), piece, *mode);
         Descriptor inner(::openat(folder.number(), piece.c_str(), inPassing | O_DIRECTORY | O_CLOEXEC));
         if (!inner)
             throwSystemError("mkdir", path);
@@ -175,7 +188,7 @@ void synchronize(const Descriptor& file, const fs::path& path) {
 }
 
 void synchronizeFile(const fs::path& path) {
-    synchronize(openFile(path, O_WRONLY), path);
+    synchronize(openFile(path, O_WRONLY | O_NOFOLLOW | O_NONBLOCK), path);
 }
 
 void synchronizeFolder(const fs::path& path) {

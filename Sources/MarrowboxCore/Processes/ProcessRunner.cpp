@@ -4,34 +4,97 @@
 #include "Platform/Cancellation.h"
 #include "Platform/ChildProcess.h"
 #include "Platform/Files.h"
+#include "Platform/OpenInFolder.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <mutex>
 #include <optional>
 #include <system_error>
+#include <unistd.h>
 
 namespace marrowbox {
 
 namespace {
 
-/// A private folder for one child's output, removed with the object; that it cannot be removed is ignored.
+/// A private folder with one child's output, removed with the object; that it cannot be removed is ignored.
+/// Where everybody may write to the folder above, another may have taken its place since: nothing is found by
+/// its path again but the folder itself, and that is removed only as long as it is this one.
 class ScratchDirectory {
   public:
     explicit ScratchDirectory(const fs::path& parent)
         : path_(parent / ("marrowbox-process-" + Uuid::random().text())) {
         makeDirectory(path_, 0700);
+        try {
+            folder_ = openFile(path_, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+            output_ = createOutput();
+        } catch (...) {
+            remove();
+            throw;
+        }
     }
     ScratchDirectory(const ScratchDirectory&) = delete;
     ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-    ~ScratchDirectory() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
+    ~ScratchDirectory() { remove(); }
+
+    /// The file that the child writes.
+    const Descriptor& output() const { return output_; }
+
+    /// All that it has written. Its position in the file stays as it is.
+    std::string written() const {
+        std::string bytes(sizeOfOutput(), '\0');
+        std::size_t held = 0;
+        while (held < bytes.size()) {
+            const ssize_t count =
+                ::pread(output_.number(), bytes.data() + held, bytes.size() - held, static_cast<off_t>(held));
+            if (count < 0 && errno == EINTR)
+                continue;
+            if (count < 0)
+                throwSystemError("read", path_ / outputName);
+            if (count == 0)
+                break;
+            held += static_cast<std::size_t>(count);
+        }
+        bytes.resize(held);
+        return bytes;
     }
 
-    fs::path output() const { return path_ / "output"; }
-
   private:
+    static constexpr const char* outputName = "output";
+
+    Descriptor createOutput() const {
+        Descriptor file = openInFolder(folder_, outputName, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW);
+        if (!file)
+            throwSystemError("open", path_ / outputName);
+        if (::fchmod(file.number(), 0600) != 0)
+            throwSystemError("chmod", path_ / outputName);
+        return file;
+    }
+
+    std::size_t sizeOfOutput() const {
+        struct stat status{};
+        if (::fstat(output_.number(), &status) != 0)
+            throwSystemError("stat", path_ / outputName);
+        return static_cast<std::size_t>(status.st_size);
+    }
+
+    bool isInItsPlace() const {
+        struct stat opened{};
+        const auto standing = linkStatus(path_);
+        return standing && ::fstat(folder_.number(), &opened) == 0 && standing->st_dev == opened.st_dev &&
+               standing->st_ino == opened.st_ino;
+    }
+
+    void remove() const noexcept {
+        if (folder_)
+            ::unlinkat(folder_.number(), outputName, 0);
+        if (!folder_ || isInItsPlace())
+            ::rmdir(path_.c_str());
+    }
+
     fs::path path_;
+    Descriptor folder_;
+    Descriptor output_;
 };
 
 /// What the waiting coroutine and the thread that cancels share.
@@ -87,13 +150,6 @@ std::map<std::string, std::string> childEnvironment(std::map<std::string, std::s
     return inherited;
 }
 
-Descriptor createOutput(const fs::path& path) {
-    Descriptor file = openFile(path, O_WRONLY | O_CREAT | O_EXCL, 0600);
-    if (::fchmod(file.number(), 0600) != 0)
-        throwSystemError("chmod", path);
-    return file;
-}
-
 } // namespace
 
 asio::awaitable<ProcessRunner::Result> ProcessRunner::run(fs::path executable,
@@ -103,7 +159,6 @@ asio::awaitable<ProcessRunner::Result> ProcessRunner::run(fs::path executable,
                                                           std::stop_token stop) {
     // A file takes the output, since nobody has to drain it for the child to go on.
     const ScratchDirectory scratch(surroundings.temporaryFolder);
-    const Descriptor output = createOutput(scratch.output());
     ProgramLaunch program;
     program.executable = std::move(executable);
     program.arguments = std::move(arguments);
@@ -111,12 +166,12 @@ asio::awaitable<ProcessRunner::Result> ProcessRunner::run(fs::path executable,
 
     ProcessBox box;
     const std::stop_callback onStop(stop, [&box] { box.cancel(); });
-    box.launch(program, output);
+    box.launch(program, scratch.output());
     const auto status = co_await box.end();
     throwIfCancelled(stop);
     Result result;
     result.status = status;
-    result.output = readFile(scratch.output());
+    result.output = scratch.written();
     co_return result;
 }
 

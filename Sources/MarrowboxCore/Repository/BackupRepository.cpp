@@ -3,11 +3,13 @@
 #include "Models/BackupError.h"
 #include "Models/JSONFile.h"
 #include "Models/JSONReader.h"
+#include "Platform/PlainFile.h"
 #include "Repository/ObjectStatus.h"
-#include "Repository/PlainFile.h"
 
 #include <boost/describe/class.hpp>
+#include <fcntl.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace marrowbox {
 
@@ -30,6 +32,38 @@ bool isIdentifiedAs(const Identity& expected, const fs::path& file) {
     } catch (const std::exception&) {
         return false;
     }
+}
+
+/// A file that nobody sees, where the file system has such. Empty where it has not.
+Descriptor openNameless([[maybe_unused]] const fs::path& folder) {
+#ifdef O_TMPFILE
+    return Descriptor(::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600));
+#else
+    return {};
+#endif
+}
+
+uid_t ownerOf(const Descriptor& file, const fs::path& path) {
+    struct stat status{};
+    if (::fstat(file.number(), &status) != 0)
+        throwSystemError("stat", path);
+    return status.st_uid;
+}
+
+/// To whom belongs what this program makes in a folder.
+uid_t ownerOfNewFiles(const fs::path& folder) {
+    if (const Descriptor nameless = openNameless(folder))
+        return ownerOf(nameless, folder);
+    const AtomicFile removedAtOnce(folder / "owner");
+    return ownerOf(removedAtOnce.descriptor(), folder);
+}
+
+/// Whoever may write to the destination can put a repository of his own in this one's place, and would get
+/// all that is backed up. A share that shows every file as some other user's shows new ones so as well.
+void requireOwn(const fs::path& root) {
+    const auto status = linkStatus(root);
+    if (status && status->st_uid != ::geteuid() && status->st_uid != ownerOfNewFiles(root))
+        throw BackupError("The backup repository belongs to another user. Nothing in it was changed.");
 }
 
 bool isReadableDirectory(const fs::path& path) {
@@ -82,6 +116,7 @@ void BackupRepository::validate() const {
 
 RepositoryLock BackupRepository::lock() const {
     validate();
+    requireOwn(root_);
     return RepositoryLock(root_ / ".lock",
                           "This backup is already in use. Wait for the other job to finish.");
 }
@@ -98,6 +133,7 @@ bool BackupRepository::hasObject(const SnapshotEntry& entry) const {
 }
 
 fs::path BackupRepository::staging(const Uuid& id) const {
+    rejectSymlink(root_ / "Staging");
     const fs::path folder = root_ / "Staging" / id.text();
     makeDirectory(folder, 0700);
     return folder;

@@ -57,6 +57,8 @@ asio::awaitable<RunPlan> fetch(RunOrder order, fs::path workFolder, RunPlan plan
         std::string text = downloadingText(offset, batch.size(), downloads.size());
         co_await order.progress(std::move(text));
         co_await order.source->download(batch, workFolder, order.stop);
+        // Downloads take their time, and the destination may be another one by now.
+        order.repository.validate();
         for (auto& entry : import.importFiles(batch, workFolder, order.stop))
             take(std::move(entry), plan);
     }

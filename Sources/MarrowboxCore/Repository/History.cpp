@@ -1,8 +1,8 @@
 #include "Models/BackupPaths.h"
+#include "Platform/PlainFile.h"
 #include "Repository/BackupRepository.h"
 #include "Repository/ManifestChecks.h"
 #include "Repository/ManifestReader.h"
-#include "Repository/PlainFile.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "Models/BackupError.h"
 #include "Platform/Cancellation.h"
-#include "Repository/PlainFile.h"
+#include "Platform/PlainFile.h"
 
 #include <algorithm>
 #include <exception>
@@ -72,6 +72,7 @@ PreparedFile prepare(const ObjectPaths& objects, const fs::path& file, const Sou
     PreparedFile prepared{.digest = digestDownload(file, source, stop)};
     verify(prepared.digest, source);
     const ObjectHash& hash = prepared.digest.sha256;
+    rejectSymlink(objects.objects); // a run takes long, and a shared folder can be swapped meanwhile
     rejectSymlink(objects.fanOut(hash));
     rejectSymlink(objects.object(hash));
     prepared.isProvenThere = isThere(objects.object(hash));

@@ -1,8 +1,10 @@
 #include "Models/BackupError.h"
 #include "Models/BackupPaths.h"
+#include "Platform/OpenInFolder.h"
+#include "Platform/PlainFile.h"
 #include "Repository/BackupRepository.h"
 #include "Repository/ParallelWork.h"
-#include "Repository/PlainFile.h"
+#include "Repository/RestoreTarget.h"
 
 #include <cerrno>
 #include <exception>
@@ -11,15 +13,6 @@
 namespace marrowbox {
 
 namespace {
-
-void makeTarget(const fs::path& target) {
-    const bool exists = fs::exists(fs::symlink_status(target));
-    if (!exists && ::mkdir(target.c_str(), 0777) == 0)
-        return;
-    if (exists || errno == EEXIST)
-        throw BackupError("Choose a new folder for this restored snapshot.");
-    throwSystemError("mkdir", target);
-}
 
 /// A share may show every file as another user's, and a file system may keep no permissions at all. The new
 /// file has what they give it, and its bytes are whole.
@@ -37,26 +30,30 @@ void copyWithPermissions(const Descriptor& object, const Descriptor& copy, const
         throwSystemError("chmod", target);
 }
 
-/// A file that replaces nothing, with the object's permissions; whole, or not there at all.
-void copyToNewFile(const Descriptor& object, const fs::path& target) {
-    const Descriptor copy = openFile(target, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+/// A file that replaces nothing, with the object's permissions; whole, or not there at all. The target is its
+/// path, for people.
+void copyToNewFile(const Descriptor& object, const Descriptor& folder, const fs::path& target) {
+    const fs::path name = target.filename();
+    const Descriptor copy = openInFolder(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+    if (!copy)
+        throwSystemError("open", target);
     try {
         copyWithPermissions(object, copy, target);
     } catch (...) {
         // Several copies are under way at a time, and a full disk ends them all in the middle.
-        ::unlink(target.c_str());
+        ::unlinkat(folder.number(), name.c_str(), 0);
         throw;
     }
 }
 
 class Restoring {
   public:
-    Restoring(ObjectPaths objects, fs::path target, std::stop_token stop)
-        : objects_(std::move(objects)), target_(std::move(target)), stop_(std::move(stop)) {}
+    Restoring(ObjectPaths objects, const fs::path& target, std::stop_token stop)
+        : objects_(std::move(objects)), target_(target), stop_(std::move(stop)) {}
 
     void restore(const SnapshotEntry& entry) const {
         if (entry.source.isDirectory)
-            makeDirectories(target_ / entry.source.path.view());
+            target_.folder(entry.source.path.view());
         else
             restoreFile(entry);
     }
@@ -73,13 +70,12 @@ class Restoring {
         const Descriptor opened = openPlainFile(object);
         if (digestFile(opened, object, DigestChoice::sha256, stop_).sha256 != *entry.objectHash)
             throw BackupError("Integrity verification failed for “" + entry.source.path.string() + "”.");
-        const fs::path path = target_ / entry.source.path.view();
-        makeDirectories(path.parent_path());
-        copyToNewFile(opened, path);
+        const fs::path path = entry.source.path.view();
+        copyToNewFile(opened, target_.folder(path.parent_path()), target_.path() / path);
     }
 
     ObjectPaths objects_;
-    fs::path target_;
+    RestoreTarget target_;
     std::stop_token stop_;
 };
 
@@ -89,7 +85,6 @@ void BackupRepository::restore(const Snapshot& snapshot, const fs::path& target,
     if (snapshot.unitID != unitID_)
         throw BackupError("Snapshot belongs to another backup unit.");
     BackupPaths::validateEntries(snapshot.entries);
-    makeTarget(target);
     const Restoring restoring(objectPaths(), target, std::move(stop));
     ParallelWork workers;
     const auto failed = workers.forEach(

@@ -1,11 +1,11 @@
 #include "Repository/WholeHistory.h"
 
 #include "Models/BackupPaths.h"
+#include "Platform/PlainFile.h"
 #include "Repository/ManifestChecks.h"
 #include "Repository/ManifestReader.h"
 #include "Repository/ManifestSuccession.h"
 #include "Repository/ParallelWork.h"
-#include "Repository/PlainFile.h"
 #include "Repository/WrittenManifest.h"
 
 #include <algorithm>

@@ -28,14 +28,20 @@ bool isMadeAnew(const fs::path& path) {
     return isMade(path) || (::rmdir(path.c_str()) == 0 && isMade(path));
 }
 
+/// As the desktop's rules want the runtime folder: the user's own, and nobody else puts anything there.
+bool isSafeFor(uid_t user, const fs::path& folder) {
+    struct stat status{};
+    return ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == user &&
+           (status.st_mode & 0022) == 0;
+}
+
 } // namespace
 
 fs::path MountPointFolder::place(const std::map<std::string, std::string>& environment, uid_t user) {
     const auto runtime = environment.find("XDG_RUNTIME_DIR");
     if (runtime != environment.end()) {
         const fs::path folder = runtime->second;
-        std::error_code unreadable;
-        if (folder.is_absolute() && fs::is_directory(folder, unreadable))
+        if (folder.is_absolute() && isSafeFor(user, folder))
             return folder / "marrowbox";
     }
     return "/tmp/marrowbox-" + std::to_string(user);

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 class MountPointFolder {
   public:
     /// The place for a user: "marrowbox" in the session's runtime folder (XDG_RUNTIME_DIR), or
-    /// "/tmp/marrowbox-{uid}" where the session has none.
+    /// "/tmp/marrowbox-{uid}" where the session has none, or one that is not the user's alone.
     static fs::path place(const std::map<std::string, std::string>& environment, uid_t user);
 
     MountPointFolder(fs::path path, uid_t user) : path_(std::move(path)), user_(user) {}

@@ -1,7 +1,7 @@
 #include "SnapshotMount/MountRegistryFolder.h"
 
 #include "Models/BackupError.h"
-#include "Platform/Files.h"
+#include "Platform/PlainFile.h"
 #include "SnapshotMount/MountPaths.h"
 
 #include <fcntl.h>
@@ -19,11 +19,6 @@ struct stat statusOf(const fs::path& path) {
     if (::lstat(path.c_str(), &status) != 0)
         throwSystemError("lstat", path);
     return status;
-}
-
-/// Neither follows a link that was put in the file's place nor waits for a pipe.
-Descriptor openRecord(const fs::path& path) {
-    return openFile(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
 }
 
 /// Replaces a file as a whole. Once it returns, a power cut keeps the file, and what is made after it never
@@ -66,9 +61,10 @@ MountRegistryFolder::MountRegistryFolder(const fs::path& directory,
 
 void MountRegistryFolder::ensureDirectories() const {
     // A link or a foreign folder is refused before anything is made, which would land on its far side.
-    if (const auto status = linkStatus(directory_))
-        if (S_ISLNK(status->st_mode) || !isOwnedByCurrentUser(directory_))
-            throw BackupError("Unsafe snapshot mount root was retained.");
+    const auto status = linkStatus(directory_);
+    const bool isOwn = status && !S_ISLNK(status->st_mode) && isOwnedByCurrentUser(directory_);
+    if (status ? !isOwn : isInFolderOfAnother(directory_))
+        throw BackupError("Unsafe snapshot mount root was retained.");
     makeDirectories(workRoot_, privateMode);
     for (const fs::path& root : {directory_, workRoot_}) {
         refuseUnsafeRoot(root);
@@ -89,7 +85,7 @@ RepositoryLock MountRegistryFolder::lock() const {
 MountRegistry MountRegistryFolder::load() const {
     if (!somethingExists(registryFile_))
         return {};
-    auto registry = decodeJSON<MountRegistry>(openRecord(registryFile_));
+    auto registry = decodeJSON<MountRegistry>(openPlainFile(registryFile_));
     if (registry.version != 1)
         throw BackupError("Unsupported snapshot mount registry; no files were changed.");
     if (hasDoubledIdentity(registry))
@@ -107,7 +103,7 @@ void MountRegistryFolder::writeMarker(const MountEntry& entry) const {
 }
 
 MountEntry MountRegistryFolder::readMarker(const fs::path& workFolder) const {
-    return decodeJSON<MountEntry>(openRecord(workFolder / markerName));
+    return decodeJSON<MountEntry>(openPlainFile(workFolder / markerName));
 }
 
 void MountRegistryFolder::validate(const MountEntry& entry, MarkerCheck markerCheck) const {
@@ -154,6 +150,14 @@ bool MountRegistryFolder::hasNestedMount(const fs::path& folder) const {
 
 bool MountRegistryFolder::isOwnedByCurrentUser(const fs::path& path) const {
     return machine_->owner(path) == machine_->currentUser();
+}
+
+bool MountRegistryFolder::isInFolderOfAnother(const fs::path& path) const {
+    const fs::path above = resolved(path.parent_path());
+    if (!somethingExists(above))
+        return false;
+    const uid_t owner = machine_->owner(above);
+    return owner != machine_->currentUser() && owner != 0; // the administrator can do everything anyway
 }
 
 void MountRegistryFolder::refuseUnsafeRoot(const fs::path& path) const {

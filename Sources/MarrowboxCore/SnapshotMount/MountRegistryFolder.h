@@ -56,6 +56,7 @@ class MountRegistryFolder {
 
   private:
     bool isOwnedByCurrentUser(const fs::path& path) const;
+    bool isInFolderOfAnother(const fs::path& path) const;
     void refuseUnsafeRoot(const fs::path& path) const;
     void refuseForeignData(const fs::path& path) const;
     void refuseMarkerOfAnother(const MountEntry& entry) const;

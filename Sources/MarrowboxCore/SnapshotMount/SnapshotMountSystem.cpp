@@ -33,7 +33,15 @@ std::vector<std::string> argumentsOf(const std::string& process) {
     return arguments;
 }
 
+/// Anybody may start a program with the arguments of ours, and never end it.
+bool isOurs(const std::string& process) {
+    struct stat status{};
+    return ::stat(("/proc/" + process).c_str(), &status) == 0 && status.st_uid == ::geteuid();
+}
+
 bool hasAll(const std::string& process, const std::vector<std::string>& wanted) {
+    if (!isOurs(process))
+        return false;
     const auto arguments = argumentsOf(process);
     return std::ranges::all_of(wanted, [&](const std::string& text) {
         return std::ranges::find(arguments, text) != arguments.end();

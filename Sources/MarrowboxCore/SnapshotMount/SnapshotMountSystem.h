@@ -34,8 +34,8 @@ class SnapshotMountSystem {
     /// The user that this process runs as.
     virtual uid_t currentUser() const;
 
-    /// The running processes that have all these texts among their arguments, each as a descriptor that
-    /// becomes readable when the process ends.
+    /// The user's running processes that have all these texts among their arguments, each as a descriptor
+    /// that becomes readable when the process ends.
     virtual std::vector<Descriptor> processesWithArguments(const std::vector<std::string>& arguments) const;
 };
 

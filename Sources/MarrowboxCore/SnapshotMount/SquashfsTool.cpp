@@ -45,13 +45,35 @@ const json::string* text(const json::object& owner, std::string_view key) {
     return member != nullptr ? member->if_string() : nullptr;
 }
 
-/// The mount as an attachment; none when it is no FUSE mount and so no image of anybody's.
-std::optional<Attachment> attachment(const json::value& line) {
+/// The user who mounted a FUSE file system, as the kernel tells it. None where it is not told.
+std::optional<std::string_view> mountedBy(const json::object& mount) {
+    constexpr std::string_view key = "user_id=";
+    const json::string* options = text(mount, "fs-options");
+    std::string_view rest = options != nullptr ? std::string_view(*options) : std::string_view();
+    while (!rest.empty()) {
+        const auto end = std::min(rest.find(','), rest.size());
+        const std::string_view option = rest.substr(0, end);
+        if (option.starts_with(key))
+            return option.substr(key.size());
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return std::nullopt;
+}
+
+/// Anybody may give a mount of his own the name of an image of ours, which the list of processes shows to
+/// all. A mount that does not tell its user counts, since an image that is attached must never be deleted.
+bool isOfAnotherUser(const json::object& mount, uid_t user) {
+    const auto found = mountedBy(mount);
+    return found && *found != std::to_string(user);
+}
+
+/// The mount as an attachment; none when it is no FUSE mount of the user's, and so no image.
+std::optional<Attachment> attachment(const json::value& line, uid_t user) {
     const json::object* mount = line.if_object();
     const json::string* kind = mount != nullptr ? text(*mount, "fstype") : nullptr;
     if (kind == nullptr)
         throw refusal("macOS returned an incomplete disk-image inventory.");
-    if (*kind != "fuse" && !kind->starts_with("fuse."))
+    if ((*kind != "fuse" && !kind->starts_with("fuse.")) || isOfAnotherUser(*mount, user))
         return std::nullopt;
     const json::string* source = text(*mount, "source");
     const json::string* target = text(*mount, "target");
@@ -107,11 +129,11 @@ asio::awaitable<bool> SquashfsTool::serve(fs::path image, fs::path mountPoint, s
 }
 
 asio::awaitable<std::vector<Attachment>> SquashfsTool::attached(std::stop_token stop) {
-    std::vector<std::string> arguments{"--json", "--list", "--output", "SOURCE,TARGET,FSTYPE"};
+    std::vector<std::string> arguments{"--json", "--list", "--output", "SOURCE,TARGET,FSTYPE,FS-OPTIONS"};
     const auto result = co_await machine_->run("/usr/bin/findmnt", std::move(arguments), {}, stop);
     if (result.status != 0)
         throw refusal("macOS disk-image state could not be inspected; temporary files were kept.");
-    co_return inventory(result.output);
+    co_return inventory(result.output, machine_->currentUser());
 }
 
 asio::awaitable<bool> SquashfsTool::detach(Attachment attachment, std::stop_token stop) {
@@ -132,7 +154,7 @@ ToolCommand SquashfsTool::openFilesQuery(const fs::path& folder) const {
     return {"/usr/bin/lsof", {"-w", "-Fn", "+D", folder}};
 }
 
-std::vector<Attachment> SquashfsTool::inventory(std::string_view output) {
+std::vector<Attachment> SquashfsTool::inventory(std::string_view output, uid_t user) {
     const json::value answer = parsed(output);
     const json::object* root = answer.if_object();
     const json::value* member = root != nullptr ? root->if_contains("filesystems") : nullptr;
@@ -141,7 +163,7 @@ std::vector<Attachment> SquashfsTool::inventory(std::string_view output) {
         throw refusal("macOS returned ambiguous disk-image state.");
     std::vector<Attachment> attachments;
     for (const json::value& line : *mounts)
-        if (auto mount = attachment(line))
+        if (auto mount = attachment(line, user))
             attachments.push_back(std::move(*mount));
     return attachments;
 }

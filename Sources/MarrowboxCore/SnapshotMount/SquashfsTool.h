@@ -33,8 +33,8 @@ class SquashfsTool final : public DiskImageTool {
     asio::awaitable<bool> detach(Attachment attachment, std::stop_token stop) override;
     ToolCommand openFilesQuery(const fs::path& folder) const override;
 
-    /// The FUSE mounts of findmnt's list, whole or not at all. Throws BackupError.
-    static std::vector<Attachment> inventory(std::string_view output);
+    /// The FUSE mounts of a user in findmnt's list, whole or not at all. Throws BackupError.
+    static std::vector<Attachment> inventory(std::string_view output, uid_t user);
 
   private:
     asio::awaitable<bool> serve(fs::path image, fs::path mountPoint, std::stop_token stop);

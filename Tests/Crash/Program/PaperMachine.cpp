@@ -43,7 +43,7 @@ asio::awaitable<ProcessRunner::Result> PaperMachine::run(fs::path executable,
 }
 
 std::vector<Attachment> PaperMachine::mounts() const {
-    return SquashfsTool::inventory(fs::exists(mountList_) ? readFile(mountList_) : noMounts);
+    return SquashfsTool::inventory(fs::exists(mountList_) ? readFile(mountList_) : noMounts, ::getuid());
 }
 
 void PaperMachine::setMounts(const std::vector<Attachment>& mounts) const {

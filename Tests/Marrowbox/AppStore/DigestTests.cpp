@@ -152,4 +152,24 @@ TEST(Digests, areForgottenForAUnitThatIsRemovedWhileItsMailGoesOut) {
     EXPECT_EQ(world.error(), "");
 }
 
+TEST(Digests, includeARunThatEndsWhileTheMailOfAnEarlierUnitGoesOut) {
+    StoreWorld world;
+    AppConfiguration configuration = twoDigests(world);
+    configuration.runs.erase(configuration.runs.begin());
+    configuration.email = test::mailToAnna();
+    world.write(configuration);
+    test::HeldWeb web(world.time.context().get_executor());
+    world.web = web.send();
+    AppStore& store = world.start();
+    ASSERT_THAT(world.mailSubjects(), ElementsAre("Marrowbox · Daily summary · Papers"));
+    store.run(world.unit(1), 0);
+    world.time.settle();
+    ASSERT_FALSE(*world.state().activeUnitID);
+    web.letGo();
+    world.time.settle();
+    EXPECT_THAT(world.mailSubjects(),
+                ElementsAre("Marrowbox · Daily summary · Papers", "Marrowbox · Daily summary · Photos"));
+    EXPECT_EQ(world.state().pendingEmails(), 0U);
+}
+
 } // namespace marrowbox

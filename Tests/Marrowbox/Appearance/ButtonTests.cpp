@@ -133,6 +133,38 @@ TEST(ActionButton, shrinksWhilePressedUnlessMotionIsReduced) {
     EXPECT_NEAR(screen.item("Go")->scale(), 0.98, 0.0001);
 }
 
+TEST(ActionButton, changesItsSurfaceGraduallyUnlessMotionIsReduced) {
+    const auto border = [](Screen& screen) {
+        const QQuickItem* const edge = surfaceOf(screen)->childItems().constFirst();
+        return qvariant_cast<QObject*>(edge->property("border"))->property("color").value<QColor>().alphaF();
+    };
+    const auto overlay = [](Screen& screen) {
+        return surfaceOf(screen)->childItems().constFirst()->property("color").value<QColor>().alphaF();
+    };
+    Screen screen(buttonWith("emphasis: ActionButton.Primary; down: false"));
+    AppearanceState::of(screen.engine())->setReducedMotion(false);
+    screen.item("Go")->setProperty("down", true);
+    EXPECT_LT(border(screen), 0.01F);
+    EXPECT_LT(overlay(screen), 0.01F);
+    EXPECT_TRUE(screen.comesTo([&] { return border(screen) > 0.37F && overlay(screen) > 0.15F; }));
+    AppearanceState::of(screen.engine())->setReducedMotion(true);
+    screen.item("Go")->setProperty("down", false);
+    EXPECT_LT(border(screen), 0.01F);
+    EXPECT_LT(overlay(screen), 0.01F);
+}
+
+TEST(ActionButton, handsTheFocusOnWhenItVanishes) {
+    Screen screen(R"(RowLayout {
+        property bool shown: true
+        ActionButton { text: "Before" }
+        ActionButton { text: "Back"; visible: parent.shown }
+        ActionButton { text: "Use"; visible: parent.shown }
+        ActionButton { text: "Next" } })");
+    screen.focus("Back");
+    screen.root().setProperty("shown", false);
+    EXPECT_TRUE(screen.comesTo([&] { return screen.focused() == "Next"; }));
+}
+
 TEST(SettingsGear, isNamedForWhatItOpens) {
     Screen screen("Item { property int opened: 0; SettingsGear { onClicked: parent.opened += 1 } }");
     EXPECT_TRUE(screen.find("Backup settings", QAccessible::Button));

@@ -143,6 +143,15 @@ TEST(Picker, closesOnEscapeAndChangesNothing) {
     EXPECT_EQ(screen.value("holds"), "daily");
 }
 
+TEST(Picker, offersToChooseNothingWhereThatHasAName) {
+    Screen screen(picker);
+    screen.click("Frequency");
+    ASSERT_TRUE(screen.find("Choose one", QAccessible::ListItem));
+    screen.click("Choose one");
+    EXPECT_EQ(screen.value("holds"), "");
+    EXPECT_EQ(screen.description("Frequency"), "Choose one");
+}
+
 TEST(Picker, refusesWhileDisabledAndSaysWhy) {
     Screen screen(picker);
     screen.root().setProperty("usable", false);

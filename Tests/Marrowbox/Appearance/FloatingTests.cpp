@@ -168,6 +168,15 @@ TEST(MenuButton, refusesADisabledItemAndSaysWhy) {
     EXPECT_EQ(screen.value("chosen"), "");
 }
 
+TEST(MenuButton, keepsItsHelpOutOfTheWayOfItsMenu) {
+    Screen screen(menu);
+    screen.hover("Snapshot actions");
+    EXPECT_TRUE(screen.comesTo([&] { return screen.toolTip() == "Snapshot actions"; }));
+    screen.click("Snapshot actions");
+    ASSERT_TRUE(screen.find("Mount", QAccessible::MenuItem));
+    EXPECT_EQ(screen.toolTip(), "");
+}
+
 TEST(HelpTip, appearsUnderThePointer) {
     Screen screen("Item { IconButton { x: 200; y: 100; symbol: \"eject\"; help: \"Eject snapshot\" } }");
     screen.hover("Eject snapshot");

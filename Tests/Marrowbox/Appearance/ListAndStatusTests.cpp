@@ -151,6 +151,21 @@ TEST(ElidedWords, leavesOutTheMiddleAndTellsTheWhole) {
     EXPECT_TRUE(screen.find("/media/anna/Archive Disk/Backups/Family pictures of many years"));
 }
 
+TEST(AppMark, isACloudWhereItsPictureIsMissing) {
+    Screen screen("Item { AppMark {} }");
+    QQuickItem* const mark = screen.item("Marrowbox");
+    ASSERT_FALSE(mark->childItems().isEmpty());
+    const QQuickItem* const cloud = mark->childItems().constFirst();
+    EXPECT_FALSE(cloud->isVisible());
+    const QtMessageHandler strict =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    mark->setProperty("source", QUrl("qrc:/no-such-picture.svg"));
+    qInstallMessageHandler(strict);
+    EXPECT_TRUE(cloud->isVisible());
+    EXPECT_EQ(cloud->property("name"), "cloud.fill");
+    EXPECT_TRUE(screen.find("Marrowbox", QAccessible::Graphic));
+}
+
 TEST(AppMark, isNamedForTheProgram) {
     Screen screen("Item { AppMark {} }");
     EXPECT_TRUE(screen.find("Marrowbox", QAccessible::Graphic));

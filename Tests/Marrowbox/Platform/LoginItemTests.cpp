@@ -2,6 +2,7 @@
 #include "Marrowbox/Platform/LoginItemSettings.h"
 #include "Platform/Files.h"
 #include "Support/ScratchFolder.h"
+#include "Support/Stranger.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
@@ -138,6 +139,26 @@ TEST_F(LoginItems, areDisabledWhenSomethingElseLiesInTheirPlace) {
     EXPECT_EQ(item.status(), LoginItemStatus::disabled);
     EXPECT_THROW(item.enable(), std::system_error);
     EXPECT_THROW(item.disable(), std::system_error);
+}
+
+TEST_F(LoginItems, writeThroughNoLinkAndIntoNoFileOfAnotherUser) {
+    if (const auto reason = reasonForNoStranger())
+        GTEST_SKIP() << *reason;
+    write("[Desktop Entry]\nExec=planted\n");
+    fs::permissions(item.entry(), fs::perms(0666));
+    giveToStranger(item.entry());
+    fs::rename(item.entry(), settings / "theirs");
+    for (const bool isLink : {true, false}) {
+        if (isLink)
+            fs::create_symlink(settings / "theirs", item.entry());
+        else
+            fs::create_hard_link(settings / "theirs", item.entry());
+        item.enable();
+        EXPECT_EQ(linkStatus(item.entry())->st_mode, mode_t(S_IFREG | 0600));
+        EXPECT_EQ(linkStatus(item.entry())->st_uid, ::geteuid());
+        item.disable();
+    }
+    EXPECT_EQ(readFile(settings / "theirs"), "[Desktop Entry]\nExec=planted\n");
 }
 
 TEST_F(LoginItems, readNoMoreThanTheBeginningOfAHugeEntry) {

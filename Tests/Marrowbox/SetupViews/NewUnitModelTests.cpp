@@ -115,6 +115,72 @@ TEST(NewUnitModel, walksDownAndUpTheFolders) {
     EXPECT_EQ(namesIn(*sheet.browser()), QStringList({"My Drive", "Studio"}));
 }
 
+TEST(NewUnitModel, goesBackToTheRootsWithoutListingThemAgain) {
+    SetupWorld world;
+    world.startWith({test::anna()});
+    NewUnitModel sheet(world.store);
+    sheet.appear();
+    world.time.settle();
+    sheet.browser()->open(1);
+    world.time.settle();
+    const std::size_t asked = world.drive.asked().size();
+    sheet.browser()->goBack();
+    EXPECT_FALSE(sheet.browser()->isLoading());
+    EXPECT_EQ(namesIn(*sheet.browser()), QStringList({"My Drive", "Studio"}));
+    world.time.settle();
+    EXPECT_EQ(world.drive.asked().size(), asked);
+}
+
+TEST(NewUnitModel, leavesAFolderThatCannotBeListedWithoutItsFailure) {
+    SetupWorld world;
+    world.startWith({test::anna()});
+    world.drive.fail("root", "Google is on holiday.");
+    NewUnitModel sheet(world.store);
+    sheet.appear();
+    world.time.settle();
+    sheet.browser()->open(0);
+    world.time.settle();
+    EXPECT_TRUE(sheet.browser()->hasFailed());
+    sheet.browser()->goBack();
+    EXPECT_FALSE(sheet.browser()->hasFailed());
+    EXPECT_EQ(sheet.error(), "");
+    EXPECT_EQ(namesIn(*sheet.browser()), QStringList({"My Drive", "Studio"}));
+}
+
+TEST(NewUnitModel, showsNothingOfAnAccountOnceNoneIsChosen) {
+    SetupWorld world;
+    world.startWith({test::anna()});
+    NewUnitModel sheet(world.store);
+    openLetters(world, sheet);
+    sheet.useFolder();
+    sheet.selectAccount("");
+    world.time.settle();
+    EXPECT_FALSE(sheet.hasSource());
+    EXPECT_TRUE(namesIn(*sheet.browser()).isEmpty());
+    EXPECT_EQ(sheet.missing(), "Choose a Google account first.");
+}
+
+TEST(NewUnitModel, marksASharedDriveAndNotTheFoldersInIt) {
+    SetupWorld world;
+    world.startWith({test::anna()});
+    NewUnitModel sheet(world.store);
+    sheet.appear();
+    world.time.settle();
+    const auto symbol = [&](int row) {
+        return sheet.browser()->locations()->index(row).data(LocationList::SymbolRole).toString();
+    };
+    EXPECT_EQ(symbol(0), "folder");
+    EXPECT_EQ(symbol(1), "person.2.crop.square.stack");
+    sheet.browser()->open(1);
+    world.time.settle();
+    EXPECT_EQ(symbol(0), "folder");
+    sheet.browser()->open(0);
+    sheet.useFolder();
+    EXPECT_EQ(sheet.sourceName(), "Plans");
+    EXPECT_EQ(sheet.sourceKind(), "Shared drive source");
+    EXPECT_EQ(sheet.sourceSymbol(), "person.2.crop.square.stack.fill");
+}
+
 TEST(NewUnitModel, dropsAListingThatTheUserWentBackFrom) {
     SetupWorld world;
     world.startWith({test::anna()});

@@ -123,6 +123,59 @@ TEST_F(Screens, leaveTheNewBackupByEscape) {
     EXPECT_TRUE(screen.ceasesToShow("A new backup"));
 }
 
+TEST_F(Screens, keepTheKeyboardWhereSomethingCanBePressed) {
+    Screen& screen = showWith({test::anna()});
+    world.store->showNewUnit(true);
+    EXPECT_TRUE(screen.comesToShow("Studio"));
+    screen.tabTo("Studio");
+    screen.press(Qt::Key_Return);
+    EXPECT_TRUE(screen.comesToShow("Plans"));
+    screen.tabTo("Back");
+    screen.press(Qt::Key_Space);
+    EXPECT_TRUE(screen.comesToShow("My Drive"));
+    EXPECT_TRUE(screen.shows(screen.focused())) << screen.focused().toStdString();
+    screen.tabTo("My Drive");
+    screen.press(Qt::Key_Return);
+    screen.tabTo("Use this folder");
+    screen.press(Qt::Key_Space);
+    EXPECT_TRUE(screen.comesToShow("Change source"));
+    EXPECT_EQ(screen.focused(), "Choose folder…");
+    screen.press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(screen.focused(), "Change source");
+    screen.press(Qt::Key_Space);
+    EXPECT_TRUE(screen.ceasesToShow("Change source"));
+    EXPECT_EQ(screen.focused(), "Back");
+}
+
+TEST_F(Screens, sayWhyNoSecondFolderCanBeChosenYet) {
+    Screen& screen = showWith({test::anna()});
+    world.store->showNewUnit(true);
+    screen.click("Choose folder…");
+    EXPECT_EQ(screen.description("Choose folder…"), "Choose a folder in the window that has opened.");
+    world.desktop.choose(std::nullopt);
+    EXPECT_TRUE(screen.comesTo([&] { return screen.description("Choose folder…").isEmpty(); }));
+}
+
+TEST_F(Screens, letTheUserTakeTheAccountBack) {
+    Screen& screen = showWith({test::anna()});
+    world.store->showNewUnit(true);
+    EXPECT_TRUE(screen.comesToShow("Studio"));
+    EXPECT_EQ(screen.description("Google account"), "anna@example.org");
+    pick(screen, "Google account", "Choose an account");
+    EXPECT_TRUE(screen.ceasesToShow("Studio"));
+    EXPECT_EQ(screen.description("Google account"), "Choose an account");
+    pick(screen, "Google account", "anna@example.org");
+    EXPECT_TRUE(screen.comesToShow("Studio"));
+}
+
+TEST_F(Screens, headTheirPartsWithHeadings) {
+    Screen& screen = showWith({test::anna()});
+    EXPECT_EQ(screen.role("Welcome to Marrowbox"), QAccessible::Heading);
+    world.store->showNewUnit(true);
+    EXPECT_EQ(screen.role("A new backup"), QAccessible::Heading);
+    EXPECT_EQ(screen.role("2. Choose your source"), QAccessible::Heading);
+}
+
 TEST_F(Screens, goBackFromAFolderWithoutSubfolders) {
     Screen& screen = showWith({test::anna()});
     world.store->showNewUnit(true);
@@ -212,6 +265,48 @@ TEST_F(Screens, reconnectAnAccountAndCancel) {
     screen.click("Cancel sign-in");
     EXPECT_TRUE(screen.comesToShow("Connect Google account"));
     EXPECT_EQ(world.error(), "");
+}
+
+TEST_F(Screens, leadNoKeyToWhatAnAccountIsNotOffered) {
+    Screen& screen = showWith({test::anna()});
+    world.store->showSettings(true);
+    screen.click("Accounts");
+    screen.tabTo("Actions for anna@example.org");
+    screen.press(Qt::Key_Space);
+    EXPECT_TRUE(screen.comesToShow("Disconnect"));
+    EXPECT_FALSE(screen.shows("Enable Gmail sending…"));
+    screen.press(Qt::Key_Down);
+    screen.press(Qt::Key_Down);
+    screen.press(Qt::Key_Return);
+    EXPECT_FALSE(*world.state().isConnecting);
+    EXPECT_TRUE(world.configuration().accounts.empty());
+}
+
+TEST_F(Screens, sayWhyNoSecondSignInCanBegin) {
+    Screen& screen = showWith({test::ben()});
+    world.store->showSettings(true);
+    screen.click("Accounts");
+    screen.click("Connect Google account");
+    screen.click("Actions for ben@example.org");
+    EXPECT_EQ(screen.description("Reconnect account"), "Finish signing in with your browser.");
+    EXPECT_EQ(screen.description("Enable Gmail sending…"), "Finish signing in with your browser.");
+    screen.press(Qt::Key_Escape);
+    screen.click("Cancel sign-in");
+    EXPECT_TRUE(screen.comesToShow("Connect Google account"));
+}
+
+TEST_F(Screens, goOnWithTheKeyboardOnceTheEmailIsSaved) {
+    Screen& screen = showWith({test::anna()});
+    world.store->showSettings(true);
+    screen.click("Email");
+    pick(screen, "Send summaries with", "Gmail");
+    pick(screen, "Google account", "anna@example.org");
+    screen.tabTo("Send to");
+    screen.type("anna@example.org");
+    screen.tabTo("Save email settings");
+    screen.press(Qt::Key_Space);
+    EXPECT_TRUE(screen.comesToShow("Saved"));
+    EXPECT_EQ(screen.focused(), "Done");
 }
 
 TEST_F(Screens, changeTheSchedule) {

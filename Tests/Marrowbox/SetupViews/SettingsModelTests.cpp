@@ -201,6 +201,30 @@ TEST(EmailDraft, showsWhyItCannotWorkAndKeepsWhatIsStored) {
     EXPECT_EQ(email.error(), "Choose a Google account for email summaries.");
 }
 
+TEST(EmailDraft, keepsWhatWasEnteredWhenItCannotBeWritten) {
+    SetupWorld world;
+    world.startWith({test::anna()});
+    SettingsModel settings(world.store);
+    EmailDraft& email = *settings.email();
+    email.setProvider("gmail");
+    email.setAccountID("anna");
+    email.setRecipient("office@example.org");
+    std::filesystem::remove(world.data / "Configuration.json");
+    std::filesystem::create_directory(world.data / "Configuration.json");
+    email.save();
+    EXPECT_NE(email.error(), "");
+    EXPECT_FALSE(email.isSaved());
+    EXPECT_EQ(world.configuration().email, EmailSettings());
+    EXPECT_EQ(email.provider(), "gmail");
+    EXPECT_EQ(email.accountID(), "anna");
+    EXPECT_EQ(email.recipient(), "office@example.org");
+    EXPECT_TRUE(email.isEdited());
+    std::filesystem::remove(world.data / "Configuration.json");
+    email.save();
+    EXPECT_EQ(email.error(), "");
+    EXPECT_EQ(world.configuration().email.recipient, "office@example.org");
+}
+
 TEST(EmailDraft, asksForThePermissionThatTheSenderLacks) {
     SetupWorld world;
     world.startWith({annaWithoutSending()});

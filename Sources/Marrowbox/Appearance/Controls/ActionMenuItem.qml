@@ -9,12 +9,16 @@ T.MenuItem {
 
     property string symbol: ""
     property bool destructive: false
+    /// An item that is not offered takes no room, and no key leads to it.
+    property bool offered: true
     property string disabledReason: qsTr("Not available at the moment.")
     readonly property QtObject accent: Appearance.accentOf(Appearance.theme)
+    // What cannot be undone is written in the colour of its own highlight, which stays weak enough to read it.
+    readonly property real highlightFill: destructive ? Appearance.badgeFill : Appearance.activeFill
     readonly property color ink: destructive ? Appearance.alert : Appearance.text
 
     function press() {
-        if (!enabled)
+        if (!enabled || !offered)
             return;
         triggered();
         if (menu)
@@ -27,6 +31,9 @@ T.MenuItem {
     rightPadding: Appearance.gap
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Appearance.controlHeight
+    visible: offered
+    height: offered ? implicitHeight : 0
+    activeFocusOnTab: offered
     opacity: enabled ? Appearance.opaque : Appearance.disabledOpacity
 
     Accessible.role: Accessible.MenuItem
@@ -37,7 +44,7 @@ T.MenuItem {
     background: Rectangle {
         radius: Appearance.smallRadius
         color: Appearance.faded(root.destructive ? Appearance.alert : root.accent.tint,
-                                root.highlighted && root.enabled ? Appearance.activeFill : 0)
+                                root.highlighted && root.enabled ? root.highlightFill : 0)
     }
 
     contentItem: RowLayout {

@@ -49,6 +49,19 @@ Rectangle {
         color: Appearance.faded(Appearance.overlay, root.overlayOpacity)
         border.width: Appearance.hairline
         border.color: Appearance.faded(root.base, root.borderOpacity)
+
+        Behavior on color {
+            ColorAnimation {
+                duration: Appearance.quick
+                easing.type: Easing.OutQuad
+            }
+        }
+        Behavior on border.color {
+            ColorAnimation {
+                duration: Appearance.quick
+                easing.type: Easing.OutQuad
+            }
+        }
     }
 
     FocusRing {

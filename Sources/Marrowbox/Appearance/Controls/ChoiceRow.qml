@@ -10,10 +10,8 @@ T.ItemDelegate {
     property string symbol: ""
     property string detail: ""
     property bool chosen: false
-    property bool destructive: false
     property string disabledReason: qsTr("Not available at the moment.")
     readonly property QtObject accent: Appearance.accentOf(Appearance.theme)
-    readonly property color ink: destructive ? Appearance.alert : Appearance.text
 
     function press() {
         if (enabled)
@@ -45,7 +43,7 @@ T.ItemDelegate {
 
         Icon {
             name: root.symbol
-            color: root.ink
+            color: Appearance.text
         }
 
         Text {
@@ -53,7 +51,7 @@ T.ItemDelegate {
             text: root.text
             textFormat: Text.PlainText
             font: root.font
-            color: root.ink
+            color: Appearance.text
             elide: Text.ElideMiddle
         }
 

@@ -9,6 +9,7 @@ IconButton {
     readonly property bool menuShown: menu.visible
 
     symbol: "ellipsis"
+    showsHelp: !menuShown
     onClicked: menu.visible ? menu.close() : menu.popup(root, root.width - menu.implicitWidth, root.height + Appearance.tinyGap)
 
     ActionMenu {

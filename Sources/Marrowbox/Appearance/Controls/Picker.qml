@@ -12,20 +12,22 @@ T.ComboBox {
     required property string label
     required property var choices
     property var chosen: undefined
-    /// Shown while none of the choices holds.
+    /// Shown while none of the choices holds, and offered above them: its value is the empty text.
     property string emptyTitle: ""
     property string disabledReason: qsTr("Not available at the moment.")
     property string theme: Appearance.theme
     readonly property QtObject accent: Appearance.accentOf(theme)
-    readonly property int chosenIndex: choices.findIndex(choice => choice.value === chosen)
+    readonly property var offered: emptyTitle === "" ? choices : [{ value: "", title: emptyTitle }, ...choices]
+    readonly property int chosenIndex: offered.findIndex(choice => choice.value === chosen)
+    readonly property bool isEmpty: chosenIndex < 0 || offered[chosenIndex].value === ""
 
     signal picked(var value)
 
-    model: choices
+    model: offered
     textRole: "title"
     valueRole: "value"
     currentIndex: chosenIndex
-    displayText: chosenIndex < 0 ? emptyTitle : choices[chosenIndex].title
+    displayText: chosenIndex < 0 ? emptyTitle : offered[chosenIndex].title
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     font: Appearance.body
@@ -36,7 +38,7 @@ T.ComboBox {
     opacity: enabled ? Appearance.opaque : Appearance.disabledOpacity
 
     onActivated: index => {
-        const wanted = choices[index].value;
+        const wanted = offered[index].value;
         currentIndex = Qt.binding(() => root.chosenIndex);
         if (wanted !== chosen)
             root.picked(wanted);
@@ -69,7 +71,7 @@ T.ComboBox {
             text: root.displayText
             textFormat: Text.PlainText
             font: root.font
-            color: root.chosenIndex < 0 ? Appearance.muted : Appearance.text
+            color: root.isEmpty ? Appearance.muted : Appearance.text
             elide: Text.ElideMiddle
         }
 

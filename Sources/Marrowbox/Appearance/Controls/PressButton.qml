@@ -8,6 +8,7 @@ T.Button {
 
     /// Shown beside the pointer and read out after the name.
     property string help: ""
+    property bool showsHelp: true
     property string spokenName: text
     /// Read out while the button is disabled, since assistive technology is not told that it is.
     property string disabledReason: qsTr("Not available at the moment.")
@@ -23,6 +24,19 @@ T.Button {
         clicked();
     }
 
+    // Once all else has settled, so that what comes in its place can be the next. From inside of what has vanished the chain
+    // leads nowhere.
+    function handOnFocus() {
+        if (visible || !activeFocus)
+            return;
+        let vanished = root;
+        while (vanished.parent && !vanished.parent.visible)
+            vanished = vanished.parent;
+        vanished.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    onVisibleChanged: if (!visible && activeFocus)
+        Qt.callLater(handOnFocus)
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     font: Appearance.button
@@ -43,6 +57,6 @@ T.Button {
 
     HelpTip {
         text: root.help
-        shown: root.hovered && !root.down
+        shown: root.showsHelp && root.hovered && !root.down
     }
 }

@@ -21,13 +21,13 @@ RowLayout {
         implicitWidth: Appearance.mediumIcon
         implicitHeight: Appearance.mediumIcon
         radius: height / 2
-        color: Appearance.faded(root.accent.tint, Appearance.activeFill)
+        color: root.accent.color
 
         Text {
             anchors.centerIn: parent
             text: root.number
             font: Appearance.eyebrow
-            color: root.accent.ink
+            color: root.accent.onColor
         }
     }
 
@@ -36,7 +36,7 @@ RowLayout {
         text: root.title
         textFormat: Text.PlainText
         font: Appearance.subheading
-        color: Appearance.text
+        color: root.accent.ink
         wrapMode: root.wrapped ? Text.Wrap : Text.NoWrap
         elide: root.wrapped ? Text.ElideNone : Text.ElideRight
     }

@@ -15,6 +15,7 @@ T.Dialog {
     property bool hasCloseButton: true
     /// False while the sheet must stay, until what it has begun has come to its end.
     property bool closable: true
+    property string unclosableReason: qsTr("Not available at the moment.")
     property int sheetWidth: Appearance.sheetWidth
 
     parent: T.Overlay.overlay
@@ -91,6 +92,7 @@ T.Dialog {
                 symbol: "xmark"
                 help: root.closeText
                 enabled: root.closable
+                disabledReason: root.unclosableReason
                 onClicked: root.close()
             }
         }

@@ -1,4 +1,4 @@
-#include "TreeState.h"
+#include "Support/TreeState.h"
 
 #include "Platform/Digest.h"
 #include "Platform/Files.h"

@@ -1,16 +1,18 @@
 import QtQuick
 import QtQuick.Layouts
 import Marrowbox.Appearance
-import Marrowbox.ContentView
 
-// What stands on an InfoCell.
+// What an InfoCell shows, whether or not it can be pressed.
 ColumnLayout {
     id: root
 
-    required property Item cell ///< The InfoCell, whose type this one cannot name, since each needs the other.
-    property string linkSymbol: ""
+    required property string title
+    required property string value
+    required property string detail
+    required property string symbol
+    property bool opens: false
     property bool active: false
-    readonly property QtObject accent: AppearanceState.accent
+    readonly property color ink: AppearanceState.accent.ink
 
     spacing: Appearance.tinyGap
 
@@ -20,32 +22,32 @@ ColumnLayout {
         spacing: Appearance.smallGap
 
         Icon {
-            name: root.cell.symbol
-            color: root.accent.ink
+            name: root.symbol
+            color: root.ink
         }
 
         Eyebrow {
             Layout.fillWidth: true
-            text: root.cell.title
+            text: root.title
         }
 
         Icon {
-            name: root.linkSymbol
+            name: root.opens ? "arrow.up.right" : ""
             side: Appearance.smallIcon
-            color: root.active ? root.accent.ink : Appearance.muted
+            color: root.active ? root.ink : Appearance.muted
         }
     }
 
     ElidedWords {
         Layout.fillWidth: true
-        text: root.cell.value
+        text: root.value
         font: Appearance.subheading
     }
 
     Words {
         Layout.fillWidth: true
         Layout.fillHeight: true
-        text: root.cell.detail
+        text: root.detail
         font: Appearance.caption
         color: Appearance.muted
         wrapMode: Text.Wrap
