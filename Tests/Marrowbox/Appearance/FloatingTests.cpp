@@ -129,6 +129,23 @@ TEST(Question, standsOnTheHarmlessButtonBeforeSomethingDestructive) {
     EXPECT_EQ(screen.value("answer"), "no");
 }
 
+TEST(Question, standsOnNoWhereReturnMeansThat) {
+    Screen screen(R"(Item { property string answer: ""
+        id: page
+        Question {
+            visible: true
+            title: "Quit?"
+            message: "The backup ends."
+            noText: "Keep running"
+            yesText: "Quit"
+            noIsDefault: true
+            onAnsweredNo: page.answer = "no"
+        } })");
+    EXPECT_EQ(screen.focused(), "Keep running");
+    screen.press(Qt::Key_Return);
+    EXPECT_EQ(screen.value("answer"), "no");
+}
+
 TEST(MenuButton, opensItsMenuAndTriggersAnItemByClick) {
     Screen screen(menu);
     EXPECT_TRUE(screen.find("Snapshot actions", QAccessible::Button));
