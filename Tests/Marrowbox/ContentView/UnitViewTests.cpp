@@ -207,6 +207,21 @@ TEST(UnitView, opensAndClosesTheRecentActivityAndClosesItForAnotherBackup) {
     EXPECT_TRUE(world.screen->description(section).startsWith("Collapsed"));
 }
 
+TEST(UnitView, tellsOfEachSnapshotAndRunAsALineOfAList) {
+    WindowWorld world;
+    world.backUp();
+    world.show();
+    world.screen->click("Recent activity & email delivery");
+    UnitPageModel& page = *world.window->unitPage();
+    const QString snapshot = page.history()->index(0).data(HistoryModel::spokenName).toString();
+    const QString run = page.activity()->index(0).data(ActivityModel::spokenName).toString();
+    EXPECT_TRUE(world.screen->find("Backup history", QAccessible::List));
+    EXPECT_TRUE(world.screen->find(snapshot, QAccessible::ListItem));
+    EXPECT_TRUE(world.screen->find(run, QAccessible::ListItem));
+    world.screen->activate(snapshot);
+    EXPECT_TRUE(world.screen->comesToShow("Restore to a folder…"));
+}
+
 TEST(UnitView, makesOnlyTheRowsOfALongHistoryThatAreInSight) {
     WindowWorld world;
     scripted(*world.store).snapshots.set(test::snapshotsOf(world.unit(), 5000, world.time.now()));
