@@ -1,25 +1,28 @@
 #pragma once
 
-#include <QAccessible>
-#include <QGuiApplication>
-#include <QPoint>
+#include "ScreenSupport/WindowUser.h"
+
+#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickWindow>
-#include <QString>
-#include <QStringList>
-#include <QVariant>
+#include <QUrl>
+#include <QVariantMap>
 #include <functional>
 #include <memory>
 
+class QGuiApplication;
+
 namespace marrowbox::test {
 
-/// The program's graphical application, without a screen, made on first use and the same from then on.
-QGuiApplication& offscreenApplication();
-
-/// QML in a real window without a screen, found and used as a person does it: by what assistive technology
-/// reads, with clicks and keys. A QML warning fails the test.
-class Screen {
+/// A screen in a window that nobody sees, and the person who uses it. A test fails when QML warns. One at a
+/// time.
+class Screen : public WindowUser {
   public:
+    /// Registers the modules that a screen imports.
+    using Install = std::function<void(QQmlEngine&)>;
+
+    /// A component with these properties, in the smallest window that the program has.
+    Screen(const QUrl& component, const QVariantMap& properties, const Install& install, Turn turn);
     /// The text of a QML file below the usual imports; its root item fills the window.
     explicit Screen(const QString& body, QSize size = {600, 480});
     ~Screen();
@@ -27,45 +30,29 @@ class Screen {
     Screen& operator=(const Screen&) = delete;
 
     QQmlEngine& engine() { return engine_; }
-    QQuickWindow& window() { return *window_; }
     QQuickItem& root() { return *root_; }
     /// A property of the root item.
     QVariant value(const char* name) const;
+    /// The item behind an element. Throws std::runtime_error when there is none.
+    QQuickItem* item(const QString& name);
+    /// The words of the tool tip that is shown; none without one. It is no element of its own.
+    QString toolTip() const;
 
-    /// The element with this accessible name (and this role), anywhere in the window; null when there is
-    /// none.
-    QAccessibleInterface* find(const QString& name, QAccessible::Role role = QAccessible::NoRole);
-    /// Whether a text with these words can be seen, also one that is no element, as a tool tip.
-    bool shows(const QString& words);
-    QString descriptionOf(const QString& name);
-    bool hasFocus(const QString& name);
-
-    /// Each throws std::runtime_error when there is no such element.
-    void click(const QString& name);
     void clickAt(QPoint place);
     void hover(const QString& name);
-    /// As a screen reader does it.
-    void press(const QString& name);
+    /// Presses as a screen reader does it.
+    void activate(const QString& name);
     void focus(const QString& name);
 
-    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-    void type(const QString& text);
-    /// Turns the event loop until this holds; false when it does not within five seconds.
-    bool waitUntil(const std::function<bool()>& holds);
-
-    /// All elements, a line each: what to look at when one is not found.
-    QString tree();
-    /// The item behind an element.
-    QQuickItem* item(const QString& name);
-
   private:
-    QAccessibleInterface& mustFind(const QString& name);
-    QPoint centreOf(const QString& name);
+    /// Throws std::runtime_error when the component cannot be made or the window not be used.
+    void show(QQmlComponent& component, const QVariantMap& properties, QSize size);
 
-    QGuiApplication& application_ = offscreenApplication(); // before the engine, which needs it
+    QGuiApplication& application_; // before the engine, which needs it
     QQmlEngine engine_;
     std::unique_ptr<QQuickWindow> window_;
     QQuickItem* root_ = nullptr;
+    QtMessageHandler previousHandler_;
 };
 
 } // namespace marrowbox::test

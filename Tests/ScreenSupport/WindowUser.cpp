@@ -44,10 +44,12 @@ Hidden hiddenBy(const QQuickItem& item) {
     return {};
 }
 
-QAccessibleInterface* named(QAccessibleInterface* root, const QString& name) {
+QAccessibleInterface* named(QAccessibleInterface* root, const QString& name,
+                            QAccessible::Role role = QAccessible::NoRole) {
     QAccessibleInterface* match = nullptr;
     visit(root, [&](QAccessibleInterface& element) {
-        if (element.text(QAccessible::Name) != name)
+        const bool hasRole = role == QAccessible::NoRole || element.role() == role;
+        if (!hasRole || element.text(QAccessible::Name) != name)
             return false;
         match = &element;
         // A label often has the name of the control beside it.
@@ -72,8 +74,8 @@ void WindowUser::settle() const {
     }
 }
 
-QAccessibleInterface* WindowUser::find(const QString& name) const {
-    return named(QAccessible::queryAccessibleInterface(window_), name);
+QAccessibleInterface* WindowUser::find(const QString& name, QAccessible::Role role) const {
+    return named(QAccessible::queryAccessibleInterface(window_), name, role);
 }
 
 bool WindowUser::shows(const QString& name) const {

@@ -23,6 +23,8 @@ class WindowUser {
     /// Turns to this window, which outlives the use of it.
     void sitDownAt(QQuickWindow& window) { window_ = &window; }
 
+    /// The element with this name, and this role where one is given, if it can be seen now; else null.
+    QAccessibleInterface* find(const QString& name, QAccessible::Role role = QAccessible::NoRole) const;
     /// Whether such an element can be seen now.
     bool shows(const QString& name) const;
     /// Waits until it can, or no longer can, be seen.
@@ -52,10 +54,10 @@ class WindowUser {
   protected:
     /// Lets what is under way come to rest, and lays out what has come.
     void settle() const;
+    /// Waits for the element; null, with a failure, when it does not come.
+    QAccessibleInterface* found(const QString& name);
 
   private:
-    QAccessibleInterface* find(const QString& name) const;
-    QAccessibleInterface* found(const QString& name);
     void click(QAccessibleInterface& element);
     void scrollTo(const QQuickItem& item);
 

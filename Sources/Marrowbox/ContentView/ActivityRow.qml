@@ -5,14 +5,14 @@ import Marrowbox.Appearance
 import Marrowbox.ContentView
 
 // One run: when, how it ended, what it had to say, and its mail.
-T.Control {
+T.ItemDelegate { // whose own role is that of a line in a list
     id: root
 
     required property int index
     required property string dateText
     required property string outcome
     required property string outcomeTone
-    required property string text
+    required text
     required property string emailText
     required property string emailIcon
     required property string emailTone
@@ -31,6 +31,7 @@ T.Control {
         return Tone.Neutral;
     }
 
+    focusPolicy: Qt.NoFocus
     leftPadding: Appearance.gap
     rightPadding: Appearance.gap
     topPadding: Appearance.gap

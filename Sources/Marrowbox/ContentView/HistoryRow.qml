@@ -5,7 +5,7 @@ import Marrowbox.ContentView
 
 // One snapshot of a history. What is seen of it is made in the time between frames, since a history that arrives brings as many
 // rows at once as fit in the window, and all of them together take longer than a frame.
-T.Control {
+T.ItemDelegate { // whose own role is that of a line in a list
     id: root
 
     required property int index
@@ -30,6 +30,7 @@ T.Control {
     signal menuWanted(Item button)
 
     hoverEnabled: true
+    focusPolicy: Qt.NoFocus
     Keys.onReturnPressed: menuButton?.press()
     Keys.onEnterPressed: menuButton?.press()
     Keys.onSpacePressed: menuButton?.press()
@@ -38,6 +39,7 @@ T.Control {
     Accessible.role: Accessible.ListItem
     Accessible.name: spokenName
     Accessible.focusable: true
+    Accessible.onPressAction: menuButton?.press()
 
     contentItem: Loader {
         id: content

@@ -87,36 +87,36 @@ Item {
             fullSize: root.row.fullSize
         }
 
-        RowLayout {
-            Layout.preferredWidth: Appearance.rowActionsWidth
-            Layout.fillWidth: false
-            spacing: Appearance.tinyGap
+        // As wide with one button as with two, so that the columns of all rows stand below one another.
+        Item {
+            implicitWidth: Appearance.rowActionsWidth
+            implicitHeight: Appearance.iconButton
 
-            Item {
-                Layout.fillWidth: true
-            }
+            Row {
+                anchors.right: parent.right
+                spacing: Appearance.tinyGap
 
-            Loader {
-                active: root.row.isMounted
-                visible: active
-                sourceComponent: IconButton {
-                    focusPolicy: root.row.buttonFocus
-                    symbol: "eject"
-                    help: qsTr("Eject snapshot")
-                    onClicked: root.row.history.eject(root.row.snapshotID)
+                Loader {
+                    active: root.row.isMounted
+                    visible: active
+                    sourceComponent: IconButton {
+                        focusPolicy: root.row.buttonFocus
+                        symbol: "eject"
+                        help: qsTr("Eject snapshot")
+                        onClicked: root.row.history.eject(root.row.snapshotID)
+                    }
                 }
-            }
 
-            IconButton {
-                id: menuButton
+                IconButton {
+                    id: menuButton
 
-                focusPolicy: root.row.buttonFocus
-                enabled: !root.row.isExploring
-                disabledReason: qsTr("Another snapshot is being prepared or restored.")
-                symbol: "ellipsis"
-                help: qsTr("Snapshot actions")
-                Accessible.role: Accessible.ButtonMenu
-                onClicked: root.row.menuWanted(menuButton)
+                    focusPolicy: root.row.buttonFocus
+                    enabled: !root.row.isExploring
+                    disabledReason: qsTr("Another snapshot is being prepared or restored.")
+                    symbol: "ellipsis"
+                    help: qsTr("Snapshot actions")
+                    onClicked: root.row.menuWanted(menuButton)
+                }
             }
         }
     }

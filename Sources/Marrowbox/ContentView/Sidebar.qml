@@ -96,10 +96,8 @@ Rectangle {
             }
         }
 
-        ListRow {
+        RowButton {
             Layout.fillWidth: true
-            Accessible.role: Accessible.Button
-            Accessible.selectable: false
             title: qsTr("Settings")
             symbol: "gearshape"
             onClicked: root.settings()

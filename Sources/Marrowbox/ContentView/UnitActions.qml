@@ -12,19 +12,28 @@ RowLayout {
 
     spacing: Appearance.smallGap
 
+    // One takes the other's place, and with it the focus of the keyboard.
     ActionButton {
+        id: cancel
+
         visible: root.page.isBusy
         text: qsTr("Cancel snapshot")
         onClicked: root.model.cancelBackup()
+        onVisibleChanged: if (!visible && activeFocus)
+            backUp.forceActiveFocus(Qt.TabFocusReason)
     }
 
     ActionButton {
+        id: backUp
+
         visible: !root.page.isBusy
         text: qsTr("Back up now")
         spokenName: root.page.backUpLabel
         symbol: "arrow.clockwise"
         emphasis: ActionButton.Primary
         onClicked: root.model.backUpNow()
+        onVisibleChanged: if (!visible && activeFocus)
+            cancel.forceActiveFocus(Qt.TabFocusReason)
     }
 
     ActionButton {

@@ -41,22 +41,29 @@ ColumnLayout {
     }
 
     // Its room is kept while the history is read, so that nothing moves when the figures arrive.
-    RowLayout {
+    Item {
         Layout.fillWidth: true
-        spacing: Appearance.gap
+        implicitHeight: storage.implicitHeight
         visible: root.page.keepsStorageRoom
-        opacity: root.page.totalSize !== "" ? Appearance.opaque : 0
 
-        StorageMetric {
-            title: qsTr("TOTAL BACKUP DATA")
-            size: root.page.totalSize
-            detail: qsTr("All retained versions · deduplicated")
-        }
+        RowLayout {
+            id: storage
 
-        StorageMetric {
-            title: qsTr("LATEST SNAPSHOT")
-            size: root.page.latestSize
-            detail: qsTr("Full size when restored")
+            width: parent.width
+            spacing: Appearance.gap
+            visible: root.page.totalSize !== "" // unseen is not enough: it would be read out
+
+            StorageMetric {
+                title: qsTr("TOTAL BACKUP DATA")
+                size: root.page.totalSize
+                detail: qsTr("All retained versions · deduplicated")
+            }
+
+            StorageMetric {
+                title: qsTr("LATEST SNAPSHOT")
+                size: root.page.latestSize
+                detail: qsTr("Full size when restored")
+            }
         }
     }
 }

@@ -33,7 +33,10 @@ void UnitPageModel::follow(StoreField field) {
         return;
     case StoreField::activeUnitID:
         emit progressChanged();
-        return refresh();
+        refresh();
+        if (page_.isBusy) // it cannot be removed now, so nobody is to be asked
+            setConfirmsRemove(false);
+        return;
     case StoreField::configuration:
     case StoreField::snapshots:
     case StoreField::isReadingHistory:

@@ -55,6 +55,7 @@ T.ApplicationWindow {
         message: root.quitting.explanation
         noText: root.quitting.keepRunningText
         yesText: root.quitting.quitText
+        noIsDefault: true
         visible: root.quitting.isAsking
         onAnsweredNo: root.quitting.keepRunning()
         onAnsweredYes: root.quitting.quit()

@@ -51,10 +51,9 @@ MainWindow::~MainWindow() = default;
 void MainWindow::show(const QString& activationToken) {
     if (!activationToken.isEmpty()) // where a desktop asks for one before it lets a window come forward
         qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
-    if (window_->windowStates() & Qt::WindowMinimized)
-        window_->showNormal();
-    else
-        window_->show();
+    // Not by QWindow::show(), which would give a window that fills the desktop its small size again.
+    window_->setWindowStates(window_->windowStates() & ~Qt::WindowStates(Qt::WindowMinimized));
+    window_->setVisible(true);
     window_->raise();
     window_->requestActivate();
     qunsetenv("XDG_ACTIVATION_TOKEN");
@@ -76,7 +75,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
     if (!isLastWayIn)
         return QObject::eventFilter(watched, event);
     event->ignore();
-    window_->showMinimized();
+    window_->setWindowStates(window_->windowStates() | Qt::WindowMinimized);
     return true;
 }
 

@@ -37,9 +37,7 @@ class MainWindow : public QObject {
 
   private:
     struct Models;
-    void followTheme();
 
-    std::shared_ptr<AppStore> store_;
     std::unique_ptr<Models> models_;
     std::unique_ptr<QQmlApplicationEngine> engine_;
     QQuickWindow* window_ = nullptr; ///< The engine's.

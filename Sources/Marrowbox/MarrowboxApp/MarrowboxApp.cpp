@@ -59,12 +59,6 @@ MarrowboxApp::MarrowboxApp(const ProgramSurroundings& surroundings)
     awaitSignals();
 }
 
-MarrowboxApp::~MarrowboxApp() {
-    // What still runs there may be using the desktop, which would go first.
-    pool_.stop();
-    pool_.join();
-}
-
 MarrowboxApp::EndOfWork::~EndOfWork() {
     pool_.stop();
     pool_.join();

@@ -26,7 +26,6 @@ class MarrowboxApp : public QObject {
   public:
     /// Throws std::runtime_error when the screens cannot be loaded.
     explicit MarrowboxApp(const ProgramSurroundings& surroundings);
-    ~MarrowboxApp() override;
 
     /// Opens the window, or brings it to the front. The token is what the desktop gave for that; may be
     /// empty.
@@ -34,8 +33,8 @@ class MarrowboxApp : public QObject {
     QQuickWindow* window() const { return window_.window(); }
 
   private:
-    /// Ends all work while what it uses is still there: no thread of the pool runs any more after it, and
-    /// what was on its way to the main thread is dropped.
+    /// Ends all work while what it uses is still there, the store and the desktop: no thread of the pool runs
+    /// any more after it, and what was on its way to the main thread is dropped.
     class EndOfWork {
       public:
         EndOfWork(asio::thread_pool& pool, const MainExecutor& main) : pool_(pool), main_(main) {}
@@ -56,8 +55,8 @@ class MarrowboxApp : public QObject {
     MainExecutor main_;
     HTTPSession session_;
     LinuxDesktop desktop_;
-    EndOfWork endOfWork_{pool_, main_};
     std::shared_ptr<AppStore> store_;
+    EndOfWork endOfWork_{pool_, main_};
     Quitting quitting_;
     MainWindow window_;
     DesktopNotifications notifications_;

@@ -6,8 +6,8 @@ namespace marrowbox {
 
 namespace {
 
-/// What a desktop calls the service that shows trays' items.
-constexpr const char* trayService = "org.kde.StatusNotifierWatcher";
+/// A session that has just begun may take this long to bring its panel.
+constexpr std::chrono::seconds panelPatience{30};
 
 /// Whether both menus have the same rows, apart from the text of the status line, which changes all the time.
 bool differInStatusAlone(std::vector<TrayRow> old, const std::vector<TrayRow>& now) {
@@ -19,14 +19,22 @@ bool differInStatusAlone(std::vector<TrayRow> old, const std::vector<TrayRow>& n
 
 } // namespace
 
+QString menuText(QString text, MenuMark mark) {
+    if (mark == MenuMark::ampersand)
+        return text.replace(u'&', QStringLiteral("&&"));
+    text.replace(u'_', QStringLiteral("__"));
+    // On its way to the desktop the first "&" becomes a mark, and no other: so there is one to spare.
+    return text.contains(u'&') ? u'&' + text : text;
+}
+
 TrayItem::TrayItem(const AppState& state, StoreChanges& changes, Perform perform, MakeIcon makeIcon)
     : state_(state), perform_(std::move(perform)), makeIcon_(std::move(makeIcon)),
-      watcher_(trayService, QDBusConnection::sessionBus(), QDBusServiceWatcher::WatchForRegistration),
+      host_(QDBusConnection::sessionBus(), panelPatience), // the one that the toolkit asks
       menu_(std::make_unique<QMenu>()) {
     connect(&changes, &StoreChanges::changed, this, &TrayItem::follow);
-    connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &TrayItem::offer);
+    connect(&host_, &TrayHost::found, this,
+            [this](bool isThere) { offer(isThere ? MenuMark::underscore : MenuMark::ampersand); });
     showRows();
-    offer();
 }
 
 TrayItem::~TrayItem() = default;
@@ -35,8 +43,9 @@ bool TrayItem::isReachable() const {
     return icon_ && icon_->isVisible() && QSystemTrayIcon::isSystemTrayAvailable();
 }
 
-void TrayItem::offer() {
-    // An icon that was shown before the desktop had a tray stays invisible, so a fresh one is offered.
+void TrayItem::offer(MenuMark mark) {
+    mark_ = mark;
+    makeMenu(shown_);
     symbol_ = traySymbol(state_);
     icon_ = std::make_unique<QSystemTrayIcon>(makeIcon_(symbol_));
     icon_->setToolTip("Marrowbox");
@@ -65,10 +74,9 @@ void TrayItem::showRows() {
     if (rows == shown_)
         return;
     if (differInStatusAlone(shown_, rows)) {
-        menu_->actions().front()->setText(rows.front().text);
+        menu_->actions().front()->setText(menuText(rows.front().text, mark_));
     } else {
-        menu_->clear();
-        fill(*menu_, rows);
+        makeMenu(rows);
     }
     shown_ = std::move(rows);
     if (icon_ && symbol_ != traySymbol(state_)) {
@@ -77,14 +85,21 @@ void TrayItem::showRows() {
     }
 }
 
+void TrayItem::makeMenu(const std::vector<TrayRow>& rows) {
+    menu_->clear();
+    for (QMenu* const old : menu_->findChildren<QMenu*>(Qt::FindDirectChildrenOnly))
+        old->deleteLater(); // the desktop may be asking for it now
+    fill(*menu_, rows);
+}
+
 void TrayItem::fill(QMenu& menu, const std::vector<TrayRow>& rows) {
     for (const TrayRow& row : rows) {
         if (row.isLine) {
             menu.addSeparator();
         } else if (!row.children.empty()) {
-            fill(*menu.addMenu(row.text), row.children);
+            fill(*menu.addMenu(menuText(row.text, mark_)), row.children);
         } else {
-            QAction* const action = menu.addAction(row.text);
+            QAction* const action = menu.addAction(menuText(row.text, mark_));
             action->setEnabled(row.isEnabled);
             if (!row.icon.isEmpty())
                 action->setIcon(makeIcon_(row.icon));

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Marrowbox/MarrowboxApp/TrayHost.h"
 #include "Marrowbox/MarrowboxApp/TrayRows.h"
 
-#include <QDBusServiceWatcher>
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
@@ -10,6 +10,15 @@
 #include <memory>
 
 namespace marrowbox {
+
+/// Which mark in the text of a menu makes the next letter its key.
+enum class MenuMark {
+    ampersand,  ///< In a menu of the program's own.
+    underscore, ///< In one that the desktop draws.
+};
+
+/// A text as a menu takes it that shows all of it, the marks as well.
+QString menuText(QString text, MenuMark mark);
 
 /// The program's item in the desktop's tray, with its menu. It appears as soon as the desktop has a tray, and
 /// follows the store. On the main thread.
@@ -27,17 +36,19 @@ class TrayItem : public QObject {
     bool isReachable() const;
 
   private:
-    void offer();
+    void offer(MenuMark mark);
     void follow(StoreField field);
     void showRows();
+    void makeMenu(const std::vector<TrayRow>& rows);
     void fill(QMenu& menu, const std::vector<TrayRow>& rows);
 
     const AppState& state_;
     Perform perform_;
     MakeIcon makeIcon_;
-    QDBusServiceWatcher watcher_;
+    TrayHost host_;
     std::unique_ptr<QMenu> menu_;
     std::unique_ptr<QSystemTrayIcon> icon_;
+    MenuMark mark_ = MenuMark::ampersand;
     std::vector<TrayRow> shown_;
     QString symbol_;
 };

@@ -1,5 +1,6 @@
 #include "Marrowbox/MarrowboxApp/TrayRows.h"
 
+#include "Marrowbox/ContentView/Figures.h"
 #include "Marrowbox/Platform/ScreenWording.h"
 
 #include <QCoreApplication>
@@ -66,7 +67,8 @@ std::vector<TrayRow> trayRows(const AppState& state) {
     addUnits(rows, state);
     addMounts(rows, state);
     if (const std::size_t waiting = state.pendingEmails(); waiting > 0)
-        rows.push_back(note(Text::tr("%1 email summaries waiting to send").arg(waiting)));
+        rows.push_back(note(Text::tr("%1 email summaries waiting to send")
+                                .arg(countText(static_cast<std::int64_t>(waiting)))));
     rows.push_back(line());
     rows.push_back(command(Text::tr("Settings"), TrayCommand::OpenSettings{}));
     rows.push_back(command(Text::tr("Quit Marrowbox"), TrayCommand::Quit{}));

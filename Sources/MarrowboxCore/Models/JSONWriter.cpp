@@ -180,15 +180,23 @@ std::string JSONWriter::take() {
     return {buffer_.get(), std::exchange(used_, 0)};
 }
 
-void JSONWriter::flush() {
-    writeAll(*file_, {buffer_.get(), used_});
-    startWriting(*file_, flushed_, used_);
-    flushed_ += std::exchange(used_, 0);
+void JSONWriter::finish() {
+    if (!following_) // a small file is not worth a thread
+        return writeAll(*file_, {buffer_.get(), std::exchange(used_, 0)});
+    handOver();
+    following_->finish();
+}
+
+void JSONWriter::handOver() {
+    if (!following_)
+        following_ = std::make_unique<FollowingWriter>(*file_, bufferSize);
+    buffer_ = following_->exchange(std::move(buffer_), std::exchange(used_, 0));
+    capacity_ = bufferSize; // also where this one had grown
 }
 
 void JSONWriter::makeRoom(std::size_t count) {
-    if (file_ != nullptr)
-        flush();
+    if (file_ != nullptr && used_ > 0)
+        handOver();
     if (capacity_ - used_ >= count)
         return;
     const std::size_t larger = std::max(capacity_ * 2, used_ + count);

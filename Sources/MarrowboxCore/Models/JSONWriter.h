@@ -2,6 +2,7 @@
 
 #include "Models/JSONRecords.h"
 #include "Platform/Descriptor.h"
+#include "Platform/FollowingWriter.h"
 
 #include <algorithm>
 #include <array>
@@ -37,7 +38,8 @@ class JSONEncodingError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Puts JSON together in a buffer, and empties it into a file, where it has one, whenever it is full.
+/// Puts JSON together in a buffer. Where it has a file, a buffer that is full goes there while the next is
+/// filled.
 class JSONWriter {
   public:
     explicit JSONWriter(JSONStyle style, const Descriptor* file = nullptr);
@@ -71,9 +73,8 @@ class JSONWriter {
     std::string_view written() const { return {buffer_.get(), used_}; }
     /// Forgets what was written and keeps the place in the text, to write on from there.
     void clear() { used_ = 0; }
-    /// Empties the buffer into the file, which the system begins at once to write to its storage: what goes
-    /// into a file is to last, and the disk need not wait for the end of it.
-    void flush();
+    /// Waits until all that was written is in the file. Nothing may be written afterwards.
+    void finish();
 
   private:
     /// Makes room for so many bytes and says where they go.
@@ -113,6 +114,7 @@ class JSONWriter {
         return to + length;
     }
     void makeRoom(std::size_t count);
+    void handOver();
 
     static constexpr std::size_t widest = 16;
 
@@ -121,7 +123,7 @@ class JSONWriter {
     std::unique_ptr<char[]> buffer_;
     std::size_t capacity_ = 0;
     std::size_t used_ = 0;
-    std::size_t flushed_ = 0;
+    std::unique_ptr<FollowingWriter> following_; ///< Once a buffer has been full.
     std::size_t depth_ = 0;
     bool isFirst_ = true; ///< Of the members of the innermost object or list.
 };
@@ -235,7 +237,7 @@ template <typename Record>
 void encodeJSON(const Record& record, JSONStyle style, const Descriptor& file) {
     JSONWriter writer(style, &file);
     writeJSON(writer, record);
-    writer.flush();
+    writer.finish();
 }
 
 } // namespace marrowbox

@@ -47,42 +47,42 @@ TEST(ActionButton, isPressedByClickSpaceReturnAndAssistiveTechnology) {
     screen.click("Back up Pictures");
     EXPECT_EQ(screen.value("pressed"), 1);
     screen.focus("Back up Pictures");
-    screen.key(Qt::Key_Space);
+    screen.press(Qt::Key_Space);
     EXPECT_EQ(screen.value("pressed"), 2);
-    screen.key(Qt::Key_Return);
+    screen.press(Qt::Key_Return);
     EXPECT_EQ(screen.value("pressed"), 3);
-    screen.press("Back up Pictures");
+    screen.activate("Back up Pictures");
     EXPECT_EQ(screen.value("pressed"), 4);
 }
 
 TEST(ActionButton, tellsItsRoleNameAndHelp) {
     Screen screen(oneButton);
     EXPECT_TRUE(screen.find("Back up Pictures", QAccessible::Button));
-    EXPECT_EQ(screen.descriptionOf("Back up Pictures"), "Starts at once");
+    EXPECT_EQ(screen.description("Back up Pictures"), "Starts at once");
 }
 
 TEST(ActionButton, refusesEveryPressWhileDisabledAndSaysWhy) {
     Screen screen(oneButton);
     screen.root().setProperty("buttonEnabled", false);
     screen.click("Back up Pictures");
-    screen.press("Back up Pictures");
+    screen.activate("Back up Pictures");
     screen.focus("Back up Pictures");
-    screen.key(Qt::Key_Space);
+    screen.press(Qt::Key_Space);
     EXPECT_EQ(screen.value("pressed"), 0);
-    EXPECT_EQ(screen.descriptionOf("Back up Pictures"), "A backup is running.");
+    EXPECT_EQ(screen.description("Back up Pictures"), "A backup is running.");
     EXPECT_NEAR(screen.value("opacityOfButton").toDouble(), 0.42, 0.001);
 }
 
 TEST(ActionButton, isReachedByTabAndNotByAClick) {
     Screen screen(R"(RowLayout { ActionButton { text: "First" } ActionButton { text: "Second" } })");
     screen.click("First");
-    EXPECT_FALSE(screen.hasFocus("First"));
-    screen.key(Qt::Key_Tab);
-    EXPECT_TRUE(screen.hasFocus("First"));
-    screen.key(Qt::Key_Tab);
-    EXPECT_TRUE(screen.hasFocus("Second"));
-    screen.key(Qt::Key_Backtab, Qt::ShiftModifier);
-    EXPECT_TRUE(screen.hasFocus("First"));
+    EXPECT_NE(screen.focused(), "First");
+    screen.press(Qt::Key_Tab);
+    EXPECT_EQ(screen.focused(), "First");
+    screen.press(Qt::Key_Tab);
+    EXPECT_EQ(screen.focused(), "Second");
+    screen.press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(screen.focused(), "First");
 }
 
 TEST(ActionButton, writesDarkOnYellowAndWhiteOnEveryOtherFill) {
@@ -146,7 +146,7 @@ TEST(ActionButton, changesItsSurfaceGraduallyUnlessMotionIsReduced) {
     screen.item("Go")->setProperty("down", true);
     EXPECT_LT(border(screen), 0.01F);
     EXPECT_LT(overlay(screen), 0.01F);
-    EXPECT_TRUE(screen.waitUntil([&] { return border(screen) > 0.37F && overlay(screen) > 0.15F; }));
+    EXPECT_TRUE(screen.comesTo([&] { return border(screen) > 0.37F && overlay(screen) > 0.15F; }));
     AppearanceState::of(screen.engine())->setReducedMotion(true);
     screen.item("Go")->setProperty("down", false);
     EXPECT_LT(border(screen), 0.01F);
@@ -162,26 +162,26 @@ TEST(ActionButton, handsTheFocusOnWhenItVanishes) {
         ActionButton { text: "Next" } })");
     screen.focus("Back");
     screen.root().setProperty("shown", false);
-    EXPECT_TRUE(screen.waitUntil([&] { return screen.hasFocus("Next"); }));
+    EXPECT_TRUE(screen.comesTo([&] { return screen.focused() == "Next"; }));
 }
 
 TEST(SettingsGear, isNamedForWhatItOpens) {
     Screen screen("Item { property int opened: 0; SettingsGear { onClicked: parent.opened += 1 } }");
     EXPECT_TRUE(screen.find("Backup settings", QAccessible::Button));
-    screen.press("Backup settings");
+    screen.activate("Backup settings");
     EXPECT_EQ(screen.value("opened"), 1);
 }
 
 TEST(Disclosure, isToggledByItsWholeHeaderAndTellsItsState) {
     Screen screen(R"(ColumnLayout {
         Disclosure { Layout.fillWidth: true; title: "Developer connection"; Words { text: "Inside" } } })");
-    EXPECT_EQ(screen.descriptionOf("Developer connection"), "Collapsed. Toggle this section");
+    EXPECT_EQ(screen.description("Developer connection"), "Collapsed. Toggle this section");
     EXPECT_FALSE(screen.find("Inside"));
     screen.click("Developer connection");
-    EXPECT_EQ(screen.descriptionOf("Developer connection"), "Expanded. Toggle this section");
+    EXPECT_EQ(screen.description("Developer connection"), "Expanded. Toggle this section");
     EXPECT_TRUE(screen.find("Inside"));
     screen.focus("Developer connection");
-    screen.key(Qt::Key_Space);
+    screen.press(Qt::Key_Space);
     EXPECT_FALSE(screen.find("Inside"));
 }
 

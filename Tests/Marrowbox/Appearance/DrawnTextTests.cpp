@@ -71,11 +71,11 @@ TEST_P(DrawnText, ofAMenuIsReadableUnderThePointer) {
             ActionMenuItem { text: "Disconnect"; destructive: true }
         } })");
     darken(screen);
-    screen.press("Actions");
+    screen.activate("Actions");
     for (const QString& name : {QStringLiteral("Mount"), QStringLiteral("Disconnect")}) {
         screen.hover(name);
         QQuickItem* const item = screen.item(name);
-        ASSERT_TRUE(item->property("highlighted").toBool()) << screen.tree().toStdString();
+        ASSERT_TRUE(item->property("highlighted").toBool()) << screen.names().join(u'\n').toStdString();
         const auto* const surface = item->property("background").value<QQuickItem*>();
         ASSERT_GT(colorOf(surface).alpha(), 0);
         const QColor ground = over(colorOf(surface), colors.popup);

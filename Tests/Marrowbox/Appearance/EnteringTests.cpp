@@ -40,23 +40,21 @@ TEST(TextEntry, tellsWhatIsTypedAndWhenItIsDone) {
     screen.focus("Send to");
     screen.type("anna");
     EXPECT_EQ(screen.value("typed"), "anna");
-    screen.key(Qt::Key_Return);
+    screen.press(Qt::Key_Return);
     EXPECT_EQ(screen.value("accepted"), 1);
 }
 
 TEST(TextEntry, takesTheFocusOnAClick) {
     Screen screen(entry);
     screen.click("Send to");
-    if (!screen.hasFocus("Send to")) // the label above has the same name
-        screen.clickAt(screen.root().childItems().first()->mapToScene(QPointF(40, 36)).toPoint());
-    EXPECT_TRUE(screen.hasFocus("Send to"));
+    EXPECT_EQ(screen.focused(), "Send to");
 }
 
 TEST(TextEntry, describesItsErrorInPlaceOfItsPlaceholder) {
     Screen screen(entry);
-    EXPECT_EQ(screen.descriptionOf("Send to"), "name@example.com");
+    EXPECT_EQ(screen.description("Send to"), "name@example.com");
     screen.root().setProperty("error", "Enter a valid address.");
-    EXPECT_EQ(screen.descriptionOf("Send to"), "Enter a valid address.");
+    EXPECT_EQ(screen.description("Send to"), "Enter a valid address.");
     EXPECT_TRUE(screen.find("Enter a valid address."));
 }
 
@@ -64,34 +62,34 @@ TEST(NumberStepper, stepsWithTheArrowsAndWrapsAround) {
     Screen screen(stepper);
     ASSERT_TRUE(screen.find("Hour", QAccessible::SpinBox));
     screen.focus("Hour");
-    screen.key(Qt::Key_Up);
+    screen.press(Qt::Key_Up);
     EXPECT_EQ(screen.value("holds"), 10);
     screen.root().setProperty("holds", 23);
-    screen.key(Qt::Key_Up);
+    screen.press(Qt::Key_Up);
     EXPECT_EQ(screen.value("holds"), 0);
-    EXPECT_EQ(screen.descriptionOf("Hour"), "00");
+    EXPECT_EQ(screen.description("Hour"), "00");
 }
 
 TEST(NumberStepper, takesATypedNumber) {
     Screen screen(stepper);
     screen.focus("Hour");
-    screen.key(Qt::Key_A, Qt::ControlModifier);
+    screen.press(Qt::Key_A, Qt::ControlModifier);
     screen.type("17");
-    screen.key(Qt::Key_Return);
+    screen.press(Qt::Key_Return);
     EXPECT_EQ(screen.value("holds"), 17);
 }
 
 TEST(NumberStepper, takesATypedNumberWhileTheFieldStillHasTheFocus) {
     Screen screen(stepper);
     screen.focus("Hour");
-    screen.key(Qt::Key_A, Qt::ControlModifier);
+    screen.press(Qt::Key_A, Qt::ControlModifier);
     screen.type("1");
     EXPECT_EQ(screen.value("holds"), 1);
     screen.type("7");
     EXPECT_EQ(screen.value("holds"), 17);
     screen.type("5"); // there is no such hour
     EXPECT_EQ(screen.value("holds"), 17);
-    EXPECT_TRUE(screen.hasFocus("Hour"));
+    EXPECT_EQ(screen.focused(), "Hour");
 }
 
 TEST(NumberStepper, takesWhatAssistiveTechnologySets) {

@@ -82,21 +82,21 @@ TEST(Sheet, isNotClosedByAClickBesideItNorPressesWhatIsBehind) {
 
 TEST(Sheet, isClosedByEscapeAndByItsCloseButton) {
     Screen screen(sheet);
-    screen.key(Qt::Key_Escape);
-    EXPECT_TRUE(screen.waitUntil([&] { return !screen.value("shown").toBool(); }));
+    screen.press(Qt::Key_Escape);
+    EXPECT_TRUE(screen.comesTo([&] { return !screen.value("shown").toBool(); }));
     screen.root().setProperty("shown", true);
     screen.click("Close");
-    EXPECT_TRUE(screen.waitUntil([&] { return !screen.value("shown").toBool(); }));
+    EXPECT_TRUE(screen.comesTo([&] { return !screen.value("shown").toBool(); }));
 }
 
 TEST(Sheet, keepsTheFocusWithin) {
     Screen screen(sheet);
     for (int step = 0; step < 8; ++step) {
-        screen.key(Qt::Key_Tab);
-        EXPECT_FALSE(screen.hasFocus("Behind"));
+        screen.press(Qt::Key_Tab);
+        EXPECT_NE(screen.focused(), "Behind");
     }
     screen.focus("Save");
-    screen.key(Qt::Key_Return);
+    screen.press(Qt::Key_Return);
     EXPECT_EQ(screen.value("saved"), 1);
 }
 
@@ -109,7 +109,7 @@ TEST(Question, isNotAnsweredByAClickBesideIt) {
 
 TEST(Question, takesEscapeForNo) {
     Screen screen(question);
-    screen.key(Qt::Key_Escape);
+    screen.press(Qt::Key_Escape);
     EXPECT_EQ(screen.value("answer"), "no");
 }
 
@@ -118,14 +118,31 @@ TEST(Question, answersByItsButtons) {
     screen.click("Remove backup");
     EXPECT_EQ(screen.value("answer"), "yes");
     screen.root().setProperty("shown", true);
-    screen.press("Cancel");
+    screen.activate("Cancel");
     EXPECT_EQ(screen.value("answer"), "no");
 }
 
 TEST(Question, standsOnTheHarmlessButtonBeforeSomethingDestructive) {
     Screen screen(question);
-    EXPECT_TRUE(screen.hasFocus("Cancel"));
-    screen.key(Qt::Key_Return);
+    EXPECT_EQ(screen.focused(), "Cancel");
+    screen.press(Qt::Key_Return);
+    EXPECT_EQ(screen.value("answer"), "no");
+}
+
+TEST(Question, standsOnNoWhereReturnMeansThat) {
+    Screen screen(R"(Item { property string answer: ""
+        id: page
+        Question {
+            visible: true
+            title: "Quit?"
+            message: "The backup ends."
+            noText: "Keep running"
+            yesText: "Quit"
+            noIsDefault: true
+            onAnsweredNo: page.answer = "no"
+        } })");
+    EXPECT_EQ(screen.focused(), "Keep running");
+    screen.press(Qt::Key_Return);
     EXPECT_EQ(screen.value("answer"), "no");
 }
 
@@ -136,34 +153,34 @@ TEST(MenuButton, opensItsMenuAndTriggersAnItemByClick) {
     ASSERT_TRUE(screen.find("Mount", QAccessible::MenuItem));
     screen.click("Mount");
     EXPECT_EQ(screen.value("chosen"), "mount");
-    EXPECT_TRUE(screen.waitUntil([&] { return !screen.find("Mount"); }));
+    EXPECT_TRUE(screen.comesTo([&] { return !screen.find("Mount"); }));
 }
 
 TEST(MenuButton, isUsedByKeyboard) {
     Screen screen(menu);
     screen.focus("Snapshot actions");
-    screen.key(Qt::Key_Space);
+    screen.press(Qt::Key_Space);
     ASSERT_TRUE(screen.find("Restore", QAccessible::MenuItem));
-    screen.key(Qt::Key_Down);
-    screen.key(Qt::Key_Down);
-    screen.key(Qt::Key_Down);
-    screen.key(Qt::Key_Return);
+    screen.press(Qt::Key_Down);
+    screen.press(Qt::Key_Down);
+    screen.press(Qt::Key_Down);
+    screen.press(Qt::Key_Return);
     EXPECT_NE(screen.value("chosen"), "enable");
     EXPECT_NE(screen.value("chosen"), "");
 }
 
 TEST(MenuButton, isPressedByAssistiveTechnologyDownToItsItems) {
     Screen screen(menu);
-    screen.press("Snapshot actions");
-    screen.press("Restore");
+    screen.activate("Snapshot actions");
+    screen.activate("Restore");
     EXPECT_EQ(screen.value("chosen"), "restore");
 }
 
 TEST(MenuButton, refusesADisabledItemAndSaysWhy) {
     Screen screen(menu);
-    screen.press("Snapshot actions");
-    EXPECT_EQ(screen.descriptionOf("Enable"), "It is enabled already.");
-    screen.press("Enable");
+    screen.activate("Snapshot actions");
+    EXPECT_EQ(screen.description("Enable"), "It is enabled already.");
+    screen.activate("Enable");
     screen.click("Enable");
     EXPECT_EQ(screen.value("chosen"), "");
 }
@@ -171,16 +188,16 @@ TEST(MenuButton, refusesADisabledItemAndSaysWhy) {
 TEST(MenuButton, keepsItsHelpOutOfTheWayOfItsMenu) {
     Screen screen(menu);
     screen.hover("Snapshot actions");
-    EXPECT_TRUE(screen.waitUntil([&] { return screen.shows("Snapshot actions"); }));
+    EXPECT_TRUE(screen.comesTo([&] { return screen.toolTip() == "Snapshot actions"; }));
     screen.click("Snapshot actions");
     ASSERT_TRUE(screen.find("Mount", QAccessible::MenuItem));
-    EXPECT_FALSE(screen.shows("Snapshot actions"));
+    EXPECT_EQ(screen.toolTip(), "");
 }
 
 TEST(HelpTip, appearsUnderThePointer) {
     Screen screen("Item { IconButton { x: 200; y: 100; symbol: \"eject\"; help: \"Eject snapshot\" } }");
     screen.hover("Eject snapshot");
-    EXPECT_TRUE(screen.waitUntil([&] { return screen.shows("Eject snapshot"); }));
+    EXPECT_TRUE(screen.comesTo([&] { return screen.toolTip() == "Eject snapshot"; }));
 }
 
 } // namespace marrowbox

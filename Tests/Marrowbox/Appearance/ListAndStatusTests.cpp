@@ -45,10 +45,10 @@ TEST(ListRow, isPressedByClickReturnAndAssistiveTechnology) {
     ASSERT_TRUE(screen.find("Row 2", QAccessible::ListItem));
     screen.click("Row 2");
     EXPECT_EQ(screen.value("opened"), 2);
-    screen.press("Row 3");
+    screen.activate("Row 3");
     EXPECT_EQ(screen.value("opened"), 3);
     screen.focus("Row 4");
-    screen.key(Qt::Key_Return);
+    screen.press(Qt::Key_Return);
     EXPECT_EQ(screen.value("opened"), 4);
 }
 
@@ -56,7 +56,38 @@ TEST(ListRow, tellsThatItIsSelectedAndWhatStandsBelow) {
     Screen screen(rows);
     EXPECT_TRUE(screen.find("Row 1")->state().selected);
     EXPECT_FALSE(screen.find("Row 2")->state().selected);
-    EXPECT_EQ(screen.descriptionOf("Row 2"), "Never backed up");
+    EXPECT_EQ(screen.description("Row 2"), "Never backed up");
+}
+
+TEST(ListRow, showsALongTitleWholeUnderThePointer) {
+    const QString title = "Scans of all letters and receipts of the years before we moved";
+    Screen screen(QStringLiteral("ColumnLayout { ListRow { title: \"%1\"; Layout.preferredWidth: 200 } "
+                                 "ListRow { title: \"Short\"; Layout.preferredWidth: 200 } "
+                                 "Item { Layout.fillHeight: true } }")
+                      .arg(title));
+    screen.hover(title);
+    EXPECT_TRUE(screen.comesTo([&] { return screen.toolTip() == title; }));
+    screen.hover("Short");
+    EXPECT_TRUE(screen.comesTo([&] { return screen.toolTip().isEmpty(); }));
+}
+
+TEST(ListRow, takesNoMarkInItsTitleForAKey) {
+    Screen screen(R"(Item { property int pressed: 0
+        ListRow { title: "R&D"; onClicked: parent.pressed += 1 } })");
+    screen.press(Qt::Key_D, Qt::AltModifier);
+    EXPECT_EQ(screen.value("pressed"), 0);
+}
+
+TEST(RowButton, isAButtonThatIsPressedByClickKeyAndAssistiveTechnology) {
+    Screen screen(R"(Item { property int pressed: 0
+        RowButton { title: "Settings"; symbol: "gearshape"; onClicked: parent.pressed += 1 } })");
+    ASSERT_TRUE(screen.find("Settings", QAccessible::Button));
+    EXPECT_FALSE(screen.find("Settings", QAccessible::ListItem));
+    screen.click("Settings");
+    screen.focus("Settings");
+    screen.press(Qt::Key_Return);
+    screen.activate("Settings");
+    EXPECT_EQ(screen.value("pressed"), 3);
 }
 
 TEST(RowList, makesOnlyTheRowsInSight) {
@@ -70,15 +101,15 @@ TEST(RowList, makesOnlyTheRowsInSight) {
 
 TEST(RowList, movesWithTheArrowsAndScrollsAlong) {
     Screen screen(rows);
-    screen.key(Qt::Key_Tab);
+    screen.press(Qt::Key_Tab);
     for (int step = 0; step < 40; ++step)
-        screen.key(Qt::Key_Down);
+        screen.press(Qt::Key_Down);
     const auto isInSight = [&] {
         const double top = screen.item("Row 40")->mapToScene(QPointF()).y();
         return top >= 0 && top < screen.root().height();
     };
-    EXPECT_TRUE(screen.waitUntil(isInSight));
-    EXPECT_TRUE(screen.hasFocus("Row 40"));
+    EXPECT_TRUE(screen.comesTo(isInSight));
+    EXPECT_EQ(screen.focused(), "Row 40");
 }
 
 TEST(ScrollPane, bringsIntoSightWhatGetsTheFocus) {
@@ -96,13 +127,13 @@ TEST(ProgressLine, tellsItsPercentageInItsDescription) {
     Screen screen(R"(Item { property real done: 42; property real total: 100
         ProgressLine { width: 200; label: "Backing up"; done: parent.done; total: parent.total } })");
     EXPECT_TRUE(screen.find("Backing up", QAccessible::ProgressBar));
-    EXPECT_EQ(screen.descriptionOf("Backing up"), "42 percent");
+    EXPECT_EQ(screen.description("Backing up"), "42 percent");
     screen.root().setProperty("done", 99.9);
-    EXPECT_EQ(screen.descriptionOf("Backing up"), "99 percent");
+    EXPECT_EQ(screen.description("Backing up"), "99 percent");
     screen.root().setProperty("done", 120);
-    EXPECT_EQ(screen.descriptionOf("Backing up"), "100 percent");
+    EXPECT_EQ(screen.description("Backing up"), "100 percent");
     screen.root().setProperty("total", 0);
-    EXPECT_EQ(screen.descriptionOf("Backing up"), "Under way");
+    EXPECT_EQ(screen.description("Backing up"), "Under way");
 }
 
 TEST(Banner, tellsItselfAndActs) {

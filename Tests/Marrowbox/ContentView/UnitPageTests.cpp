@@ -309,6 +309,19 @@ TEST(UnitPage, doesNotCallAHistoryEmptyBeforeItHasBeenRead) {
     EXPECT_EQ(text(model.page().totalSize), "9 bytes");
 }
 
+TEST(UnitPage, ceasesToAskForTheRemovalOnceARunBegins) {
+    PageWorld world;
+    world.holdSources();
+    UnitPageModel model(world.store);
+    model.setConfirmsRemove(true);
+    scripted(*world.store).activeUnitID.set(Uuid::random());
+    EXPECT_TRUE(model.confirmsRemove()) << "the run of another backup is none of its business";
+    scripted(*world.store).activeUnitID.set(std::nullopt);
+    world.store->run(world.unit(), 0);
+    EXPECT_FALSE(model.confirmsRemove());
+    EXPECT_EQ(world.configuration().units.size(), 1U);
+}
+
 TEST(UnitPage, removesTheUnitAndThenShowsTheNextOrNone) {
     PageWorld world;
     UnitPageModel model(world.store);

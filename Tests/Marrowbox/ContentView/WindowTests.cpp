@@ -1,51 +1,11 @@
-#include "ScreenSupport/ShownScreen.h"
-#include "ScriptedState.h"
-#include "StoreWorld.h"
+#include "WindowWorld.h"
 
-#include "Marrowbox/ContentView/InstallContentView.h"
-#include "Marrowbox/ContentView/MainWindowModel.h"
-
-#include <QQuickItem>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace marrowbox {
 
 using test::scripted;
-using test::ShownScreen;
-using test::StoreWorld;
-
-namespace {
-
-/// The main window of a program with two backups, Papers and Photos, as a person uses it.
-struct WindowWorld : StoreWorld {
-    explicit WindowWorld(const std::function<void(AppConfiguration&)>& change = [](AppConfiguration&) {}) {
-        AppConfiguration configuration = test::oneUnit(*this);
-        configuration.units.push_back(test::dailyUnit(*this, "Photos"));
-        change(configuration);
-        write(configuration);
-        start();
-        time.advance(1);
-        window = std::make_unique<MainWindowModel>(store);
-    }
-
-    void backUp() {
-        store->run(unit(), 0);
-        time.settle();
-    }
-
-    void show() {
-        screen = std::make_unique<ShownScreen>(
-            QUrl(QStringLiteral("qrc:/Marrowbox/ContentView/MainView.qml")),
-            QVariantMap{{QStringLiteral("model"), QVariant::fromValue(window.get())}},
-            [](QQmlEngine&) { installContentView(); }, [this] { time.settle(); });
-    }
-
-    std::unique_ptr<MainWindowModel> window;
-    std::unique_ptr<ShownScreen> screen;
-};
-
-} // namespace
+using test::WindowWorld;
 
 TEST(Window, changesToTheBackupThatIsClicked) {
     WindowWorld world;
@@ -81,6 +41,21 @@ TEST(Window, leadsToANewBackupAndToTheSettings) {
     EXPECT_EQ(wanted, world.unit().id.text());
 }
 
+TEST(Window, tellsWhatCanBePressedFromWhatCanOnlyBeRead) {
+    WindowWorld world;
+    world.show();
+    EXPECT_TRUE(world.screen->find("Settings", QAccessible::Button));
+    EXPECT_TRUE(world.screen->find("New backup", QAccessible::Button));
+    EXPECT_TRUE(world.screen->find("Papers", QAccessible::ListItem));
+    EXPECT_TRUE(world.screen->find("ORIGIN: All of My Drive", QAccessible::Button));
+    const QString destination = "DESTINATION: " + QString::fromStdString(world.disk.string());
+    for (const QString& fact : {destination, QStringLiteral("SCHEDULE: Daily at 09:00")}) {
+        EXPECT_TRUE(world.screen->find(fact, QAccessible::Grouping)) << fact.toStdString();
+        EXPECT_FALSE(world.screen->find(fact, QAccessible::Button)) << fact.toStdString();
+    }
+    EXPECT_EQ(world.screen->description("SCHEDULE: Daily at 09:00"), "Next snapshot in 22 hr 59 min");
+}
+
 TEST(Window, hasNoListWithoutABackup) {
     WindowWorld world([](AppConfiguration& configuration) { configuration.units.clear(); });
     world.show();
@@ -89,115 +64,6 @@ TEST(Window, hasNoListWithoutABackup) {
     EXPECT_FALSE(world.screen->shows("New backup"));
     world.screen->click("Settings");
     EXPECT_TRUE(*world.state().showSettings);
-}
-
-TEST(Window, startsARunShowsItAndCancelsIt) {
-    WindowWorld world;
-    world.show();
-    world.holdSources();
-    world.screen->click("Back up Papers");
-    EXPECT_TRUE(world.screen->comesToShow("Cancel snapshot"));
-    EXPECT_TRUE(world.screen->shows("Backing up your files."));
-    EXPECT_EQ(world.screen->description("Reading Google Drive…"), "Under way");
-    scripted(*world.store).progress.set("Downloading 33–64 of 128 changed files…");
-    EXPECT_EQ(world.screen->description("Downloading 33–64 of 128 changed files…"), "25 percent");
-    EXPECT_EQ(world.screen->description("Remove backup…"),
-              "Wait until the backup has finished, or cancel it first.");
-    world.screen->click("Cancel snapshot");
-    EXPECT_TRUE(world.screen->comesToShow("Back up Papers"));
-    EXPECT_TRUE(
-        world.screen->shows("Cancelled before completion. Previously completed snapshots remain available."));
-}
-
-TEST(Window, exploresMountsAndEjectsASnapshot) {
-    WindowWorld world;
-    world.backUp();
-    world.show();
-    world.screen->click("Explore snapshot");
-    world.time.advance(1);
-    EXPECT_TRUE(world.screen->comesToShow("Eject snapshot"));
-    EXPECT_TRUE(world.screen->shows("Mounted"));
-    EXPECT_EQ(world.desktop.count("openFolder"), 1U);
-    world.screen->click("Eject snapshot");
-    world.time.advance(1);
-    EXPECT_TRUE(world.screen->ceasesToShow("Eject snapshot"));
-    EXPECT_TRUE(world.state().mounted->empty());
-    world.screen->click("Snapshot actions");
-    world.screen->click("Mount read-only in file manager");
-    world.time.advance(1);
-    EXPECT_TRUE(world.screen->comesToShow("Eject snapshot"));
-}
-
-TEST(Window, restoresASnapshotByTheKeyboardAlone) {
-    WindowWorld world;
-    world.backUp();
-    world.show();
-    const fs::path chosen = world.home / "Chosen";
-    fs::create_directory(chosen);
-    world.desktop.choose(chosen);
-    const QString row =
-        world.window->unitPage()->history()->index(0).data(HistoryModel::spokenName).toString();
-    world.screen->tabTo(row);
-    world.screen->press(Qt::Key_Return);
-    EXPECT_TRUE(world.screen->comesToShow("Restore to a folder…"));
-    world.screen->press(Qt::Key_Down);
-    world.screen->press(Qt::Key_Down);
-    world.screen->press(Qt::Key_Return);
-    world.time.advance(1);
-    EXPECT_EQ(world.error(), "");
-    EXPECT_FALSE(fs::is_empty(chosen));
-}
-
-TEST(Window, offersNoSecondSnapshotActionWhileOneIsUnderWay) {
-    WindowWorld world;
-    world.backUp();
-    world.show();
-    scripted(*world.store).isExploring.set(true);
-    EXPECT_TRUE(world.screen->comesToShow("Preparing snapshot…"));
-    const QString reason = "Another snapshot is being prepared or restored.";
-    EXPECT_EQ(world.screen->description("Preparing snapshot…"), reason);
-    EXPECT_EQ(world.screen->description("Snapshot actions"), reason);
-    world.screen->click("Snapshot actions");
-    EXPECT_FALSE(world.screen->shows("Restore to a folder…"));
-}
-
-TEST(Window, opensTheOriginInTheBrowser) {
-    WindowWorld world;
-    world.show();
-    EXPECT_EQ(world.screen->description("ORIGIN: All of My Drive"), "Open in Google Drive");
-    world.screen->tabTo("ORIGIN: All of My Drive");
-    world.screen->press(Qt::Key_Space);
-    EXPECT_EQ(world.desktop.count("openPage"), 1U);
-}
-
-TEST(Window, offersNoButtonWhereThereIsNothingToPress) {
-    WindowWorld world;
-    world.show();
-    EXPECT_EQ(world.screen->role("ORIGIN: All of My Drive"), QAccessible::Button);
-    for (const char* const title : {"DESTINATION: ", "SCHEDULE: "}) {
-        const QStringList names = world.screen->names().filter(title);
-        ASSERT_EQ(names.size(), 1) << title;
-        EXPECT_EQ(world.screen->role(names.constFirst()), QAccessible::Grouping) << title;
-    }
-}
-
-TEST(Window, asksBeforeItRemovesABackup) {
-    WindowWorld world;
-    world.show();
-    world.screen->click("Remove backup…");
-    EXPECT_TRUE(world.screen->comesToShow("Remove “Papers”?"));
-    world.screen->press(Qt::Key_Escape);
-    EXPECT_TRUE(world.screen->ceasesToShow("Remove “Papers”?"));
-    world.screen->click("Remove backup…");
-    EXPECT_TRUE(world.screen->comesToShow("Remove “Papers”?"));
-    world.screen->click("Cancel");
-    EXPECT_TRUE(world.screen->ceasesToShow("Remove “Papers”?"));
-    EXPECT_EQ(world.configuration().units.size(), 2U);
-    world.screen->click("Remove backup…");
-    EXPECT_TRUE(world.screen->comesToShow("Remove backup"));
-    world.screen->click("Remove backup");
-    EXPECT_TRUE(world.screen->comesToShow("Back up Photos"));
-    EXPECT_EQ(world.configuration().units.size(), 1U);
 }
 
 TEST(Window, showsAFailureUntilItIsRead) {
@@ -224,53 +90,6 @@ TEST(Window, keepsTheMountBannerUntilAPassClearsIt) {
     EXPECT_TRUE(world.screen->shows("The snapshot is still in use."));
     world.time.advance(1);
     EXPECT_TRUE(world.screen->ceasesToShow("The snapshot is still in use."));
-}
-
-TEST(Window, reconnectsTheAccountOfABackupThatHasStopped) {
-    WindowWorld world;
-    world.show();
-    EXPECT_FALSE(world.screen->shows("Reconnect"));
-    world.removeCredential(test::anna());
-    world.store->refreshCredentialAvailability();
-    EXPECT_TRUE(world.screen->comesToShow("This backup is not running. Its Google account is disconnected."));
-    EXPECT_EQ(world.screen->description("Papers"), "Stopped · reconnect");
-    world.screen->click("Reconnect");
-    EXPECT_TRUE(world.screen->comesToShow("Waiting for Google…"));
-    EXPECT_TRUE(*world.state().isConnecting);
-}
-
-TEST(Window, opensAndClosesTheRecentActivityAndClosesItForAnotherBackup) {
-    WindowWorld world;
-    world.backUp();
-    world.show();
-    const QString section = "Recent activity & email delivery";
-    EXPECT_TRUE(world.screen->description(section).startsWith("Collapsed"));
-    EXPECT_FALSE(world.screen->shows("Succeeded"));
-    world.screen->click(section);
-    EXPECT_TRUE(world.screen->comesToShow("Succeeded"));
-    EXPECT_TRUE(world.screen->shows("No email — summaries were off"));
-    world.screen->click("Photos");
-    world.screen->click("Papers");
-    EXPECT_TRUE(world.screen->comesToShow(section));
-    EXPECT_TRUE(world.screen->description(section).startsWith("Collapsed"));
-}
-
-TEST(Window, makesOnlyTheRowsOfALongHistoryThatAreInSight) {
-    WindowWorld world;
-    scripted(*world.store).snapshots.set(test::snapshotsOf(world.unit(), 5000, world.time.now()));
-    world.show();
-    const auto rows = [&] {
-        const QString end = QStringLiteral("1,200 unchanged");
-        return world.screen->names().filter(end).size();
-    };
-    EXPECT_LT(rows(), 60);
-    const HistoryModel& history = *world.window->unitPage()->history();
-    const QString first = history.index(0).data(HistoryModel::spokenName).toString();
-    const QString last = history.index(4999).data(HistoryModel::spokenName).toString();
-    EXPECT_TRUE(world.screen->shows(first));
-    world.screen->tabTo("Remove backup…"); // the page follows the keyboard to its end
-    EXPECT_TRUE(world.screen->comesToShow(last));
-    EXPECT_LT(rows(), 60);
 }
 
 } // namespace marrowbox

@@ -1,8 +1,10 @@
 // The program without its window in front: its menu in the tray, and what it tells through the desktop.
 #include "AppSupport/StandInNotifications.h"
 #include "FlowOfLetters.h"
+#include "Marrowbox/Platform/SessionManager.h"
 #include "TrayUser.h"
 
+#include <QDBusMessage>
 #include <QQuickWindow>
 
 namespace marrowbox {
@@ -68,9 +70,35 @@ TEST_F(FlowOfTheTray, opensTheWindowAgain) {
     EXPECT_TRUE(comesToFront());
 }
 
+TEST_F(FlowOfTheTray, opensTheWindowAgainAsLargeAsItWas) {
+    const auto fillsTheDesktop = [this] { return window().windowStates().testFlag(Qt::WindowMaximized); };
+    window().showMaximized();
+    EXPECT_TRUE(user.comesTo(fillsTheDesktop));
+    tray.click("Open Marrowbox");
+    EXPECT_TRUE(user.comesTo(fillsTheDesktop)) << "while it was in sight";
+    closeWindow();
+    tray.click("Open Marrowbox");
+    EXPECT_TRUE(comesToFront());
+    EXPECT_TRUE(user.comesTo(fillsTheDesktop));
+}
+
 TEST_F(FlowOfTheTray, backsUpWhileTheWindowIsClosed) {
     closeWindow();
     tray.click("Back up Letters");
+    EXPECT_TRUE(comesToBeWritten([](const auto& written) {
+        return written.runs.size() == 2 && written.runs.front().outcome == RunOutcome::succeeded;
+    }));
+    EXPECT_TRUE(isAway());
+}
+
+TEST_F(FlowOfTheTray, leavesTheScheduleRunningWhileTheWindowIsClosed) {
+    QDBusConnection machine = computer.systemBus.connect();
+    machine.registerService(sessionManager::service);
+    closeWindow();
+    hoursAhead = 2 * 24;
+    QDBusMessage wokeUp = QDBusMessage::createSignal(sessionManager::path, sessionManager::interface,
+                                                     QStringLiteral("PrepareForSleep"));
+    machine.send(wokeUp << false);
     EXPECT_TRUE(comesToBeWritten([](const auto& written) {
         return written.runs.size() == 2 && written.runs.front().outcome == RunOutcome::succeeded;
     }));

@@ -92,6 +92,8 @@ TEST_F(TrayMenu, countsTheMailsThatWait) {
     waiting.outcome = RunOutcome::failed;
     state.configuration.change([&](AppConfiguration& current) { current.runs = {waiting, waiting}; });
     EXPECT_THAT(texts(), testing::Contains("2 email summaries waiting to send"));
+    state.configuration.change([&](AppConfiguration& current) { current.runs.assign(1200, waiting); });
+    EXPECT_THAT(texts(), testing::Contains("1,200 email summaries waiting to send"));
 }
 
 } // namespace marrowbox

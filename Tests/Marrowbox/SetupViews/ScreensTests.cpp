@@ -1,7 +1,7 @@
 // The flows of the welcome screen and the sheets, by mouse and keyboard.
 #include "Marrowbox/SetupViews/InstallSetupViews.h"
 #include "Marrowbox/SetupViews/SetupScreens.h"
-#include "ScreenSupport/ShownScreen.h"
+#include "ScreenSupport/Screen.h"
 #include "SetupWorld.h"
 
 #include <gtest/gtest.h>
@@ -9,8 +9,8 @@
 
 namespace marrowbox {
 
+using test::Screen;
 using test::SetupWorld;
-using test::ShownScreen;
 
 namespace {
 
@@ -22,7 +22,7 @@ class Screens : public testing::Test {
         screens_.reset();
     }
 
-    ShownScreen& show() {
+    Screen& show() {
         screens_.emplace(world.store);
         shown_.emplace(
             QUrl::fromLocalFile(QStringLiteral(MARROWBOX_TEST_DATA "/Screens.qml")),
@@ -30,24 +30,24 @@ class Screens : public testing::Test {
             [](QQmlEngine&) { installSetupViews(); }, [this] { world.time.settle(); });
         return *shown_;
     }
-    ShownScreen& showWith(std::vector<GoogleAccount> accounts) {
+    Screen& showWith(std::vector<GoogleAccount> accounts) {
         world.startWith(std::move(accounts));
         return show();
     }
     /// The settings of Anna's unit, from wherever the page opens them.
-    ShownScreen& showUnitSettings(const EmailSettings& email = {},
-                                  std::optional<std::int64_t> retentionDays = std::nullopt) {
+    Screen& showUnitSettings(const EmailSettings& email = {},
+                             std::optional<std::int64_t> retentionDays = std::nullopt) {
         AppConfiguration configuration = test::oneUnit(world);
         configuration.email = email;
         configuration.units[0].retentionDays = retentionDays;
         world.write(configuration);
         world.start();
-        ShownScreen& screen = show();
+        Screen& screen = show();
         screens_->editUnit(QString::fromStdString(world.unit().id.text()));
         EXPECT_TRUE(screen.comesToShow("Backup settings"));
         return screen;
     }
-    void pick(ShownScreen& screen, const QString& picker, const QString& choice) {
+    void pick(Screen& screen, const QString& picker, const QString& choice) {
         screen.click(picker);
         screen.click(choice);
     }
@@ -56,13 +56,13 @@ class Screens : public testing::Test {
 
   private:
     std::optional<SetupScreens> screens_;
-    std::optional<ShownScreen> shown_;
+    std::optional<Screen> shown_;
 };
 
 } // namespace
 
 TEST_F(Screens, leadANewUserFromTheFirstStartToTheFirstBackup) {
-    ShownScreen& screen = showWith({});
+    Screen& screen = showWith({});
     EXPECT_TRUE(screen.shows("Welcome to Marrowbox"));
     screen.click("Connect Google account");
     EXPECT_TRUE(screen.comesToShow("Waiting for Google…"));
@@ -87,7 +87,7 @@ TEST_F(Screens, leadANewUserFromTheFirstStartToTheFirstBackup) {
 }
 
 TEST_F(Screens, makeABackupWithTheKeyboardAlone) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     screen.tabTo("Create your first backup");
     screen.press(Qt::Key_Return);
     EXPECT_TRUE(screen.comesToShow("Studio"));
@@ -111,7 +111,7 @@ TEST_F(Screens, makeABackupWithTheKeyboardAlone) {
 }
 
 TEST_F(Screens, leaveTheNewBackupByEscape) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     screen.click("Create your first backup");
     EXPECT_TRUE(screen.comesToShow("A new backup"));
     screen.press(Qt::Key_Escape);
@@ -124,7 +124,7 @@ TEST_F(Screens, leaveTheNewBackupByEscape) {
 }
 
 TEST_F(Screens, keepTheKeyboardWhereSomethingCanBePressed) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showNewUnit(true);
     EXPECT_TRUE(screen.comesToShow("Studio"));
     screen.tabTo("Studio");
@@ -148,7 +148,7 @@ TEST_F(Screens, keepTheKeyboardWhereSomethingCanBePressed) {
 }
 
 TEST_F(Screens, sayWhyNoSecondFolderCanBeChosenYet) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showNewUnit(true);
     screen.click("Choose folder…");
     EXPECT_EQ(screen.description("Choose folder…"), "Choose a folder in the window that has opened.");
@@ -157,7 +157,7 @@ TEST_F(Screens, sayWhyNoSecondFolderCanBeChosenYet) {
 }
 
 TEST_F(Screens, letTheUserTakeTheAccountBack) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showNewUnit(true);
     EXPECT_TRUE(screen.comesToShow("Studio"));
     EXPECT_EQ(screen.description("Google account"), "anna@example.org");
@@ -169,7 +169,7 @@ TEST_F(Screens, letTheUserTakeTheAccountBack) {
 }
 
 TEST_F(Screens, headTheirPartsWithHeadings) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     EXPECT_EQ(screen.role("Welcome to Marrowbox"), QAccessible::Heading);
     world.store->showNewUnit(true);
     EXPECT_EQ(screen.role("A new backup"), QAccessible::Heading);
@@ -177,7 +177,7 @@ TEST_F(Screens, headTheirPartsWithHeadings) {
 }
 
 TEST_F(Screens, goBackFromAFolderWithoutSubfolders) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showNewUnit(true);
     screen.click("Studio");
     screen.click("Plans");
@@ -189,7 +189,7 @@ TEST_F(Screens, goBackFromAFolderWithoutSubfolders) {
 }
 
 TEST_F(Screens, showWhyGoogleDriveIsNoDestination) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showNewUnit(true);
     const auto drive = world.home / "Library/CloudStorage/GoogleDrive-anna@example.org";
     std::filesystem::create_directories(drive);
@@ -201,7 +201,7 @@ TEST_F(Screens, showWhyGoogleDriveIsNoDestination) {
 }
 
 TEST_F(Screens, setUpEmail) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showSettings(true);
     EXPECT_TRUE(screen.comesToShow("Settings"));
     screen.click("Email");
@@ -221,7 +221,7 @@ TEST_F(Screens, setUpEmail) {
 }
 
 TEST_F(Screens, switchTheStartAtLogin) {
-    ShownScreen& screen = showWith({});
+    Screen& screen = showWith({});
     world.store->showSettings(true);
     screen.click("Start Marrowbox at login");
     EXPECT_TRUE(*world.state().startAtLogin);
@@ -229,7 +229,7 @@ TEST_F(Screens, switchTheStartAtLogin) {
 }
 
 TEST_F(Screens, importAClientFileAndGoBackToTheBuiltInOne) {
-    ShownScreen& screen = showWith({});
+    Screen& screen = showWith({});
     world.store->showSettings(true);
     EXPECT_FALSE(screen.shows("Import Desktop OAuth JSON…"));
     screen.click("Developer connection");
@@ -244,7 +244,7 @@ TEST_F(Screens, importAClientFileAndGoBackToTheBuiltInOne) {
 }
 
 TEST_F(Screens, disconnectAnAccount) {
-    ShownScreen& screen = showWith({test::anna(), test::ben()});
+    Screen& screen = showWith({test::anna(), test::ben()});
     world.store->showSettings(true);
     screen.click("Accounts");
     screen.click("Actions for ben@example.org");
@@ -255,7 +255,7 @@ TEST_F(Screens, disconnectAnAccount) {
 }
 
 TEST_F(Screens, reconnectAnAccountAndCancel) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showSettings(true);
     screen.click("Accounts");
     screen.click("Actions for anna@example.org");
@@ -268,7 +268,7 @@ TEST_F(Screens, reconnectAnAccountAndCancel) {
 }
 
 TEST_F(Screens, leadNoKeyToWhatAnAccountIsNotOffered) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showSettings(true);
     screen.click("Accounts");
     screen.tabTo("Actions for anna@example.org");
@@ -283,7 +283,7 @@ TEST_F(Screens, leadNoKeyToWhatAnAccountIsNotOffered) {
 }
 
 TEST_F(Screens, sayWhyNoSecondSignInCanBegin) {
-    ShownScreen& screen = showWith({test::ben()});
+    Screen& screen = showWith({test::ben()});
     world.store->showSettings(true);
     screen.click("Accounts");
     screen.click("Connect Google account");
@@ -296,7 +296,7 @@ TEST_F(Screens, sayWhyNoSecondSignInCanBegin) {
 }
 
 TEST_F(Screens, goOnWithTheKeyboardOnceTheEmailIsSaved) {
-    ShownScreen& screen = showWith({test::anna()});
+    Screen& screen = showWith({test::anna()});
     world.store->showSettings(true);
     screen.click("Email");
     pick(screen, "Send summaries with", "Gmail");
@@ -310,7 +310,7 @@ TEST_F(Screens, goOnWithTheKeyboardOnceTheEmailIsSaved) {
 }
 
 TEST_F(Screens, changeTheSchedule) {
-    ShownScreen& screen = showUnitSettings(test::mailToAnna());
+    Screen& screen = showUnitSettings(test::mailToAnna());
     pick(screen, "Frequency", "Weekly");
     pick(screen, "Weekday", "Friday");
     screen.tabTo("Hour");
@@ -325,7 +325,7 @@ TEST_F(Screens, changeTheSchedule) {
 }
 
 TEST_F(Screens, askBeforeTheyShortenTheHistory) {
-    ShownScreen& screen = showUnitSettings(test::mailToAnna());
+    Screen& screen = showUnitSettings(test::mailToAnna());
     pick(screen, "Keep history", "30 days");
     screen.click("Save");
     EXPECT_TRUE(screen.comesToShow("Shorten backup history?"));
@@ -340,7 +340,7 @@ TEST_F(Screens, askBeforeTheyShortenTheHistory) {
 }
 
 TEST_F(Screens, lengthenTheHistoryWithoutAQuestion) {
-    ShownScreen& screen = showUnitSettings(test::mailToAnna(), 30);
+    Screen& screen = showUnitSettings(test::mailToAnna(), 30);
     pick(screen, "Keep history", "1 year");
     screen.click("Save");
     EXPECT_TRUE(screen.ceasesToShow("Backup settings"));
@@ -348,7 +348,7 @@ TEST_F(Screens, lengthenTheHistoryWithoutAQuestion) {
 }
 
 TEST_F(Screens, discardAllEditsOnCancel) {
-    ShownScreen& screen = showUnitSettings(test::mailToAnna());
+    Screen& screen = showUnitSettings(test::mailToAnna());
     const AppConfiguration before = world.configuration();
     screen.click("Name");
     screen.type("Archive ");
@@ -359,7 +359,7 @@ TEST_F(Screens, discardAllEditsOnCancel) {
 }
 
 TEST_F(Screens, leadFromABackupToTheEmailSettingsOfAll) {
-    ShownScreen& screen = showUnitSettings();
+    Screen& screen = showUnitSettings();
     EXPECT_EQ(screen.description("Send"), "Disabled: turn on email summary in global settings");
     screen.click("Open Settings → Email");
     EXPECT_TRUE(screen.ceasesToShow("Backup settings"));

@@ -18,7 +18,7 @@ ColumnLayout {
         id: header
 
         Layout.fillWidth: true
-        text: root.title
+        spokenName: root.title // as a text of the control, a "&" in it would make a shortcut
         help: qsTr("Toggle this section")
         leftPadding: Appearance.smallGap
         rightPadding: Appearance.smallGap

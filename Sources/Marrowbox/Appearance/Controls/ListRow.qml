@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import QtQuick.Templates as T
 import Marrowbox.Appearance
 
@@ -7,7 +6,7 @@ import Marrowbox.Appearance
 T.ItemDelegate {
     id: root
 
-    default property alias trailing: end.data
+    default property alias trailing: content.trailing
     required property string title
     property string subtitle: ""
     property string symbol: ""
@@ -24,7 +23,6 @@ T.ItemDelegate {
             clicked();
     }
 
-    text: title
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     leftPadding: Appearance.gap
@@ -45,65 +43,26 @@ T.ItemDelegate {
     Accessible.selected: selected
     Accessible.onPressAction: press()
 
-    background: Rectangle {
-        radius: Appearance.buttonRadius
-        color: {
-            if (root.selected)
-                return Appearance.faded(root.accent.tint, Appearance.activeFill);
-            return Appearance.faded(Appearance.text, root.active ? Appearance.secondaryFill : 0);
-        }
-
-        FocusRing {
-            anchors.margins: 0
-            radius: parent.radius
-            shown: root.visualFocus
-            tint: root.accent.tint
-        }
+    HelpTip {
+        text: root.title
+        shown: root.hovered && content.truncated
     }
 
-    contentItem: RowLayout {
-        spacing: Appearance.gap
+    background: RowSurface {
+        accent: root.accent
+        active: root.active
+        focused: root.visualFocus
+        selected: root.selected
+    }
 
-        Icon {
-            name: root.symbol
-            side: Appearance.mediumIcon
-            color: root.accent.ink
-        }
-
-        ColumnLayout {
-            Layout.fillWidth: true
-            spacing: Appearance.hairGap
-
-            Text {
-                Layout.fillWidth: true
-                text: root.title
-                textFormat: Text.PlainText
-                font: root.selected ? Appearance.strong : Appearance.body
-                color: Appearance.text
-                elide: Text.ElideMiddle
-            }
-
-            Text {
-                Layout.fillWidth: true
-                visible: text !== ""
-                text: root.subtitle
-                textFormat: Text.PlainText
-                font: Appearance.small
-                color: Appearance.toneColor(root.subtitleTone)
-                elide: Text.ElideRight
-            }
-        }
-
-        RowLayout {
-            id: end
-            spacing: Appearance.tinyGap
-            visible: children.length > 0
-        }
-
-        Icon {
-            name: root.opens ? "chevron.right" : ""
-            side: Appearance.smallIcon
-            color: Appearance.muted
-        }
+    contentItem: RowContent {
+        id: content
+        title: root.title
+        subtitle: root.subtitle
+        subtitleTone: root.subtitleTone
+        symbol: root.symbol
+        accent: root.accent
+        selected: root.selected
+        opens: root.opens
     }
 }

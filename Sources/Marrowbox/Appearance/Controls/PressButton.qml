@@ -48,7 +48,11 @@ T.Button {
 
     Accessible.role: Accessible.Button
     Accessible.name: spokenName
-    Accessible.description: enabled ? help : disabledReason
+    Accessible.description: {
+        if (!enabled)
+            return disabledReason;
+        return help !== spokenName ? help : ""; // once is enough
+    }
     Accessible.onPressAction: press()
 
     HelpTip {

@@ -12,6 +12,8 @@ T.Dialog {
     /// Empty for a notice, which has one button only.
     property string yesText: ""
     property bool destructive: false
+    /// Whether Return means no, which is then the button that stands out.
+    property bool noIsDefault: destructive || yesText === ""
 
     signal answeredYes
     signal answeredNo
@@ -26,7 +28,7 @@ T.Dialog {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     onRejected: answeredNo()
     onAccepted: answeredYes()
-    onOpened: (yesText === "" || destructive ? no : yes).forceActiveFocus(Qt.TabFocusReason)
+    onOpened: (noIsDefault ? no : yes).forceActiveFocus(Qt.TabFocusReason)
 
     T.Overlay.modal: Rectangle {
         color: Appearance.scrim
@@ -67,7 +69,7 @@ T.Dialog {
             ActionButton {
                 id: no
                 text: root.noText
-                emphasis: root.yesText === "" ? ActionButton.Primary : ActionButton.Secondary
+                emphasis: root.noIsDefault && !root.destructive ? ActionButton.Primary : ActionButton.Secondary
                 onClicked: root.reject()
             }
 
@@ -75,7 +77,11 @@ T.Dialog {
                 id: yes
                 visible: root.yesText !== ""
                 text: root.yesText
-                emphasis: root.destructive ? ActionButton.Destructive : ActionButton.Primary
+                emphasis: {
+                    if (root.destructive)
+                        return ActionButton.Destructive;
+                    return root.noIsDefault ? ActionButton.Secondary : ActionButton.Primary;
+                }
                 onClicked: root.accept()
             }
         }

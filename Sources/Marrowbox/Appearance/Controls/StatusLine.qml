@@ -17,9 +17,14 @@ RowLayout {
     Layout.fillHeight: false
     spacing: Appearance.smallGap - Appearance.hairGap
 
+    FontMetrics {
+        id: metrics
+        font: words.font
+    }
+
     Icon {
         Layout.alignment: root.wrapped ? Qt.AlignTop : Qt.AlignVCenter
-        Layout.topMargin: root.wrapped ? Appearance.hairGap / 2 : 0
+        Layout.topMargin: root.wrapped ? Math.round((metrics.height - height) / 2) : 0 // beside the first line
         name: root.symbol
         color: root.iconInk
     }

@@ -13,6 +13,8 @@ T.ScrollBar {
     minimumSize: height > 0 ? Appearance.controlHeight / height : 0
     hoverEnabled: true
 
+    Accessible.name: qsTr("Scroll bar")
+
     contentItem: Rectangle {
         implicitWidth: Appearance.scrollBar
         implicitHeight: Appearance.scrollBar
