@@ -9,11 +9,11 @@
 #include "SnapshotMount/HdiutilTool.h"
 
 #include <boost/asio/io_context.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/thread_pool.hpp>
 #include <cstdio>
 #include <iostream>
 #include <stdexcept>
-#include <thread>
 
 namespace {
 
@@ -59,6 +59,14 @@ class Program {
     }
     /// Lets the main thread do all that it has to do now.
     void settle() { main_.poll(); }
+    /// Lets some time go by.
+    void rest() {
+        main_.restart();
+        asio::steady_timer timer(main_, pause);
+        bool isOver = false;
+        timer.async_wait([&isOver](boost::system::error_code) { isOver = true; });
+        runUntil([&isOver] { return isOver; });
+    }
 
   private:
     test::RecordingDesktop desktop_;
@@ -125,7 +133,7 @@ int measurePersist(const bench::BusyUser& user) {
         ownTimes.push_back(processorSeconds() - own);
         program.settle();
         // A person's next change comes later; one at once would wait until the disk has let the old file go.
-        std::this_thread::sleep_for(pause);
+        program.rest();
     }
     char remark[80];
     std::snprintf(remark, sizeof remark, "ms for %.1f MB, %.1f of them the processor's",
