@@ -1,4 +1,5 @@
-// The same for what stands on Qt. After Precompiled.h: Qt makes keywords of words that other libraries use as names.
+// The same for what stands on Qt. After Precompiled.h: Qt makes keywords of words that other libraries use as
+// names.
 #pragma once
 
 #include <QAbstractListModel>
