@@ -26,7 +26,7 @@ TrayHost::TrayHost(const QDBusConnection& bus, std::chrono::milliseconds patienc
 }
 
 void TrayHost::ask() {
-    if (isFound_ || !bus_.isConnected())
+    if (isTold_ || !bus_.isConnected())
         return;
     QDBusMessage question = QDBusMessage::createMethodCall(
         service, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
@@ -42,9 +42,9 @@ void TrayHost::ask() {
 }
 
 void TrayHost::tell(bool isThere) {
-    if (isFound_)
+    if (isTold_)
         return;
-    isFound_ = true;
+    isTold_ = true;
     emit found(isThere);
 }
 

@@ -29,7 +29,7 @@ class TrayHost : public QObject {
 
     QDBusConnection bus_;
     QDBusServiceWatcher watcher_;
-    bool isFound_ = false;
+    bool isTold_ = false;
 };
 
 } // namespace marrowbox

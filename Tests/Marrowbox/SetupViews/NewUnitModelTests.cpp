@@ -13,10 +13,15 @@ using test::SetupWorld;
 
 namespace {
 
-/// Goes to the folder "Letters" of Anna's My Drive.
-void openLetters(SetupWorld& world, NewUnitModel& sheet) {
+/// Shows the sheet and lets it list what it can.
+void open(SetupWorld& world, NewUnitModel& sheet) {
     sheet.appear();
     world.time.settle();
+}
+
+/// Goes to the folder "Letters" of Anna's My Drive.
+void openLetters(SetupWorld& world, NewUnitModel& sheet) {
+    open(world, sheet);
     sheet.browser()->open(0);
     world.time.settle();
     sheet.browser()->open(0);
@@ -85,8 +90,7 @@ TEST(NewUnitModel, dropsTheRootsOfAnAccountThatIsNoLongerChosen) {
     world.startWith({test::anna(), test::ben()});
     world.drive.hold("drives");
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     sheet.selectAccount("");
     world.drive.letGo("drives");
     world.time.settle();
@@ -119,8 +123,7 @@ TEST(NewUnitModel, goesBackToTheRootsWithoutListingThemAgain) {
     SetupWorld world;
     world.startWith({test::anna()});
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     sheet.browser()->open(1);
     world.time.settle();
     const std::size_t asked = world.drive.asked().size();
@@ -136,8 +139,7 @@ TEST(NewUnitModel, leavesAFolderThatCannotBeListedWithoutItsFailure) {
     world.startWith({test::anna()});
     world.drive.fail("root", "Google is on holiday.");
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     sheet.browser()->open(0);
     world.time.settle();
     EXPECT_TRUE(sheet.browser()->hasFailed());
@@ -164,8 +166,7 @@ TEST(NewUnitModel, marksASharedDriveAndNotTheFoldersInIt) {
     SetupWorld world;
     world.startWith({test::anna()});
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     const auto symbol = [&](int row) {
         return sheet.browser()->locations()->index(row).data(LocationList::SymbolRole).toString();
     };
@@ -185,8 +186,7 @@ TEST(NewUnitModel, dropsAListingThatTheUserWentBackFrom) {
     SetupWorld world;
     world.startWith({test::anna()});
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     world.drive.hold("root");
     sheet.browser()->open(0);
     world.time.settle();
@@ -204,8 +204,7 @@ TEST(NewUnitModel, dropsTheFailureOfAListingThatTheUserWentBackFrom) {
     SetupWorld world;
     world.startWith({test::anna()});
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     world.drive.hold("root");
     world.drive.fail("root", "No.");
     sheet.browser()->open(0);
@@ -221,8 +220,7 @@ TEST(NewUnitModel, showsWhyAListingFailedAndTriesAgain) {
     world.startWith({test::anna()});
     world.drive.fail("drives", "Google is on holiday.");
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     EXPECT_EQ(sheet.error(), "Google is on holiday.");
     EXPECT_FALSE(sheet.browser()->isLoading());
     EXPECT_FALSE(sheet.browser()->hasNoSubfolders());
@@ -238,8 +236,7 @@ TEST(NewUnitModel, leavesNoErrorOfAListingThatWasCancelled) {
     world.startWith({test::anna()});
     world.drive.hold("drives");
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     sheet.dismiss();
     world.drive.letGo("drives");
     world.time.settle();
@@ -286,8 +283,7 @@ TEST(NewUnitModel, takesAWholeSharedDrive) {
     SetupWorld world;
     world.startWith({test::anna()});
     NewUnitModel sheet(world.store);
-    sheet.appear();
-    world.time.settle();
+    open(world, sheet);
     sheet.browser()->open(1);
     sheet.useFolder();
     EXPECT_EQ(sheet.sourceName(), "Studio");
