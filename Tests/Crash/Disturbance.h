@@ -8,6 +8,9 @@
 
 namespace marrowbox::test {
 
+/// The status with which the programs say that their job refused, with a reason.
+constexpr int refused = 3;
+
 /// One way in which a program's call goes wrong.
 struct Disturbance {
     std::string name;

@@ -13,9 +13,7 @@ namespace marrowbox::test {
 
 namespace {
 
-constexpr int refused = 3;
-
-struct End {
+struct JobEnd {
     int status = 0;
     int calls = 0;
     std::string disturbed;
@@ -45,9 +43,9 @@ class DisturbedJob : public testing::TestWithParam<std::tuple<Job, Disturbance>>
     }
 
     /// Does the job on a copy of what it finds and disturbs the call of this number, or none.
-    End work(const fs::path& destination, int number) const {
+    JobEnd work(const fs::path& destination, int number) const {
         fs::copy(before(), destination, fs::copy_options::recursive);
-        End end;
+        JobEnd end;
         WatchedProgram program({MARROWBOX_CRASH_RUN, destination, job().name});
         end.status = program.run([&](const FileCall& call) {
             if (!counts(call, destination) || ++end.calls != number)
@@ -59,7 +57,7 @@ class DisturbedJob : public testing::TestWithParam<std::tuple<Job, Disturbance>>
         return end;
     }
 
-    void expectHonestEnd(const End& end, const fs::path& destination) const {
+    void expectHonestEnd(const JobEnd& end, const fs::path& destination) const {
         if (WIFSIGNALED(end.status))
             return;
         const int status = WEXITSTATUS(end.status);
@@ -78,7 +76,7 @@ TEST_P(DisturbedJob, isHonestAboutItsEndAndLosesNothing) {
     int tried = 0;
     for (const int number : spread(calls, 32)) {
         const fs::path destination = scratch_ / std::to_string(number);
-        const End end = work(destination, number);
+        const JobEnd end = work(destination, number);
         SCOPED_TRACE("disturbed call " + std::to_string(number) + ": " + end.disturbed + ", status " +
                      std::to_string(end.status) + ", " + end.words);
         tried += end.disturbed.empty() ? 0 : 1;

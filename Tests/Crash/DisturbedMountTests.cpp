@@ -6,6 +6,7 @@
 #include "Disturbance.h"
 #include "Models/BackupError.h"
 #include "PaperWorld.h"
+#include "Reconciliations.h"
 #include "Repository/BackupRepository.h"
 #include "Support/Coroutine.h"
 #include "Support/Spread.h"
@@ -20,9 +21,6 @@
 namespace marrowbox::test {
 
 namespace {
-
-constexpr int refused = 3;
-const std::string invalidEntry = "Invalid snapshot mount registry entry was retained.";
 
 struct MountJob {
     std::string name;
@@ -56,7 +54,7 @@ void prepareRemains(const PaperWorld& world) {
 const std::vector<MountJob> mountJobs = {
     {"mount", prepareNothing, 1}, {"eject", prepareMounted, 0}, {"reconcile", prepareRemains, 1}};
 
-struct End {
+struct MountEnd {
     int status = 0;
     int calls = 0;
     std::vector<int> callsWithBareWork; ///< Numbers of calls with a work folder that has no marker.
@@ -82,9 +80,9 @@ class DisturbedMount : public testing::TestWithParam<std::tuple<MountJob, Distur
     const Disturbance& disturbance() const { return std::get<1>(GetParam()); }
 
     /// Does the job on what was prepared and disturbs the call of this number, or none.
-    End work(int number) const {
+    MountEnd work(int number) const {
         world.restore();
-        End end;
+        MountEnd end;
         BareWorkFolders bare(world.workRoot());
         WatchedProgram program({MARROWBOX_CRASH_MOUNT, world.place.directory, world.place.runtime,
                                 *world.place.mountList, job().name, world.backup.destination,
@@ -105,7 +103,7 @@ class DisturbedMount : public testing::TestWithParam<std::tuple<MountJob, Distur
         return end;
     }
 
-    void expectHonestEnd(const End& end) const {
+    void expectHonestEnd(const MountEnd& end) const {
         if (WIFSIGNALED(end.status))
             return;
         EXPECT_TRUE(end.isDone() || (WEXITSTATUS(end.status) == refused && !disturbance().isBorne));
@@ -119,7 +117,7 @@ class DisturbedMount : public testing::TestWithParam<std::tuple<MountJob, Distur
 
     /// The next start knows each mount that there is, keeps the work that has no marker, and forgets and
     /// deletes all else.
-    std::vector<SnapshotMount::Mounted> expectHealed(const End& end) const {
+    std::vector<SnapshotMount::Mounted> expectHealed(const MountEnd& end) const {
         const auto found = await(world.start()->reconcile({}));
         EXPECT_TRUE(found.isAuthoritative);
         EXPECT_EQ(found.issue, end.bare.empty() ? std::nullopt : std::optional(invalidEntry));
@@ -138,7 +136,7 @@ class DisturbedMount : public testing::TestWithParam<std::tuple<MountJob, Distur
     }
 
     /// Mounts are ejected and made as ever, while what is kept stands in the way of its own snapshot alone.
-    void expectUsable(const End& end, const std::vector<SnapshotMount::Mounted>& mounted) const {
+    void expectUsable(const MountEnd& end, const std::vector<SnapshotMount::Mounted>& mounted) const {
         for (const auto& mount : mounted)
             await(world.start()->unmount(mount, {}));
         world.expectWork(end.bare);
@@ -153,7 +151,7 @@ class DisturbedMount : public testing::TestWithParam<std::tuple<MountJob, Distur
     }
 
     /// Once a person has taken away what was kept, the next start forgets it, and nothing at all is left.
-    void expectClearedByHand(const End& end) const {
+    void expectClearedByHand(const MountEnd& end) const {
         for (const fs::path& folder : end.bare)
             fs::remove_all(folder);
         const SnapshotMount::Reconciliation nothing{.isAuthoritative = true};
@@ -173,7 +171,7 @@ class DisturbedMount : public testing::TestWithParam<std::tuple<MountJob, Distur
     }
 
     /// All that a start and its user do with what was left.
-    void expectRecovered(const End& end) const {
+    void expectRecovered(const MountEnd& end) const {
         std::string kept;
         for (const fs::path& folder : end.bare)
             kept += treeContents(folder);
@@ -192,7 +190,7 @@ class DisturbedMount : public testing::TestWithParam<std::tuple<MountJob, Distur
 };
 
 TEST_P(DisturbedMount, isHonestAboutItsEndAndLeavesWhatTheNextStartPutsRightOrKeeps) {
-    const End undisturbed = work(0);
+    const MountEnd undisturbed = work(0);
     ASSERT_GT(undisturbed.calls, 0);
     const bool dies = disturbance().name == "Kill";
     std::set<int> numbers(undisturbed.callsWithBareWork.begin(), undisturbed.callsWithBareWork.end());
@@ -201,7 +199,7 @@ TEST_P(DisturbedMount, isHonestAboutItsEndAndLeavesWhatTheNextStartPutsRightOrKe
     int tried = 0;
     int kept = 0;
     for (const int number : numbers) {
-        const End end = work(number);
+        const MountEnd end = work(number);
         SCOPED_TRACE("disturbed call " + std::to_string(number) + ": " + end.disturbed + ", status " +
                      std::to_string(end.status) + ", " + end.words);
         tried += end.disturbed.empty() ? 0 : 1;

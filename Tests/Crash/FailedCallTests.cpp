@@ -1,3 +1,4 @@
+#include "Disturbance.h"
 #include "DisturbedRunTest.h"
 
 #include <cerrno>
@@ -7,9 +8,6 @@
 namespace marrowbox::test {
 
 namespace {
-
-/// The status with which the program says that its run refused, with a reason.
-constexpr int refused = 3;
 
 bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
     return std::ranges::find(names, name) != names.end();
@@ -22,7 +20,7 @@ bool needsRoom(const FileCall& call) {
 }
 
 /// Calls that a signal can interrupt.
-bool isInterruptible(const FileCall& call) {
+bool mayBeInterrupted(const FileCall& call) {
     return isOneOf(call.name, {"open", "openat", "write", "pwrite64", "writev", "fsync", "fdatasync"});
 }
 
@@ -93,7 +91,7 @@ TEST_P(FailedCall, endsTheRunAndLeavesTheHistoryWholeOnABrokenDisk) {
 }
 
 TEST_P(FailedCall, isRepeatedWhenASignalInterruptedIt) {
-    expectSuccess(Answer::fail(EINTR), isInterruptible);
+    expectSuccess(Answer::fail(EINTR), mayBeInterrupted);
 }
 
 TEST_P(FailedCall, goesOnWithTheRestAfterAShortWrite) {

@@ -30,7 +30,7 @@ using testing::StartsWith;
 
 namespace {
 
-constexpr Date now{800'000'000};
+constexpr Date signInDate{800'000'000};
 const std::string invalid = "HTTP/1.1 400 Bad Request";
 
 /// A token endpoint that answers when the test lets it.
@@ -108,7 +108,7 @@ class GoogleSignInTest : public testing::Test {
                                      return endpoint_.send(std::move(sent), std::move(stop));
                                  },
                                  timerWait()),
-                             .clock = [] { return now; },
+                             .clock = [] { return signInDate; },
                              .wait = wait_,
                              .openBrowser = std::move(openBrowser)});
     }
@@ -175,7 +175,7 @@ TEST_F(GoogleSignInTest, givesTheTokenOfTheExchange) {
               "HTTP/1.1 200 OK\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Length: 55\r\n"
               "Cache-Control: no-store\r\nConnection: close\r\n\r\n"
               "You can return to Marrowbox. This window may be closed.");
-    const OAuthToken expected{"a", "r", now + 3599, "s"};
+    const OAuthToken expected{"a", "r", signInDate + 3599, "s"};
     EXPECT_EQ(result_.get(), expected);
     EXPECT_FALSE(isPortOpen());
 }

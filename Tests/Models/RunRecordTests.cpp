@@ -6,9 +6,9 @@ namespace marrowbox {
 
 namespace {
 
-constexpr Date now{700'000'000.5};
+constexpr Date start{700'000'000.5};
 
-SyncUnit describedUnit() {
+SyncUnit photosUnit() {
     SyncUnit unit;
     unit.id = Uuid::random();
     unit.name = "Photos";
@@ -19,15 +19,15 @@ SyncUnit describedUnit() {
 } // namespace
 
 TEST(RunRecord, beginsRunningWithNothingDone) {
-    const SyncUnit unit = describedUnit();
-    const RunRecord record = beginRunRecord(unit, "me@example.com", true, now);
+    const SyncUnit unit = photosUnit();
+    const RunRecord record = beginRunRecord(unit, "me@example.com", true, start);
     RunRecord expected;
     expected.id = record.id;
     expected.unitID = unit.id;
     expected.unitName = "Photos";
     expected.accountEmail = "me@example.com";
     expected.destination = "/media/disk";
-    expected.startedAt = now;
+    expected.startedAt = start;
     expected.notify = true;
     EXPECT_EQ(record, expected);
     EXPECT_EQ(record.outcome, RunOutcome::running);
@@ -38,8 +38,8 @@ TEST(RunRecord, beginsRunningWithNothingDone) {
 }
 
 TEST(RunRecord, hasAnIdentityOfItsOwn) {
-    const SyncUnit unit = describedUnit();
-    EXPECT_NE(beginRunRecord(unit, "", false, now).id, beginRunRecord(unit, "", false, now).id);
+    const SyncUnit unit = photosUnit();
+    EXPECT_NE(beginRunRecord(unit, "", false, start).id, beginRunRecord(unit, "", false, start).id);
 }
 
 } // namespace marrowbox

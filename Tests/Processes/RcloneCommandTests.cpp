@@ -9,15 +9,15 @@ namespace {
 
 using Variables = std::map<std::string, std::string>;
 
-SourceEntry file(std::string id, std::string path) {
+SourceEntry listedFile(std::string id, std::string path) {
     SourceEntry entry;
     entry.id = id;
     entry.path = path;
     return entry;
 }
 
-SourceEntry directory(std::string id, std::string path) {
-    SourceEntry entry = file(id, path);
+SourceEntry listedFolder(std::string id, std::string path) {
+    SourceEntry entry = listedFile(id, path);
     entry.isDirectory = true;
     return entry;
 }
@@ -51,8 +51,8 @@ TEST(RcloneCommand, beginsWithTheSameTwentyArguments) {
 }
 
 TEST(RcloneCommand, addsIdentifierAndTargetOfEachFileInOrder) {
-    const std::vector<SourceEntry> batch{file("b", "z/second.txt"), directory("d", "z"),
-                                         file("-a", "first – “1”")};
+    const std::vector<SourceEntry> batch{listedFile("b", "z/second.txt"), listedFolder("d", "z"),
+                                         listedFile("-a", "first – “1”")};
     auto expected = commonArguments();
     expected.insert(expected.end(), {"b", "/scratch/z/second.txt", "-a", "/scratch/first – “1”"});
     EXPECT_EQ(RcloneCommand::arguments(RcloneCommand::items(batch, "/scratch")), expected);
@@ -61,7 +61,7 @@ TEST(RcloneCommand, addsIdentifierAndTargetOfEachFileInOrder) {
 TEST(RcloneCommand, holdsAtMostEightyFourArguments) {
     std::vector<SourceEntry> batch;
     for (std::size_t index = 0; index < RcloneCommand::batchSize; ++index)
-        batch.push_back(file("id", "path" + std::to_string(index)));
+        batch.push_back(listedFile("id", "path" + std::to_string(index)));
     EXPECT_EQ(RcloneCommand::arguments(RcloneCommand::items(batch, "/scratch")).size(), 84U);
 }
 
@@ -87,7 +87,7 @@ TEST(RcloneCommand, knowsThePathsThatRcloneWouldWriteElsewhere) {
 }
 
 TEST(RcloneCommand, fetchesAFileThatWouldBeRewrittenToAPlainName) {
-    const std::vector<SourceEntry> batch{file("a", "folder/‛Twas"), file("b", "folder/␊")};
+    const std::vector<SourceEntry> batch{listedFile("a", "folder/‛Twas"), listedFile("b", "folder/␊")};
     const auto items = RcloneCommand::items(batch, "/scratch");
     ASSERT_EQ(items.size(), 2U);
     EXPECT_EQ(items[0].target, "/scratch/folder/‛Twas");

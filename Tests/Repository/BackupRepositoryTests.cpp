@@ -16,7 +16,6 @@ using namespace test;
 
 const std::string incomplete =
     "The backup repository is incomplete. Restore its missing folders before continuing.";
-const std::string invalidHash = "Invalid content reference in the backup.";
 const Uuid unit = *Uuid::parse("FEDCBA98-7654-3210-FEDC-BA9876543210");
 
 std::string refusalToValidate(const TestRepository& repository) {
@@ -185,7 +184,8 @@ TEST(BackupRepository, refusesAHashOfAnotherForm) {
                 {"nothing", ""}};
     const TestRepository repository;
     for (const auto& row : rows)
-        EXPECT_EQ(thrown<BackupError>([&] { repository->objectURL(ObjectHash(row.hash)); }), invalidHash)
+        EXPECT_EQ(thrown<BackupError>([&] { repository->objectURL(ObjectHash(row.hash)); }),
+                  test::invalidHash)
             << row.name;
 }
 
@@ -227,7 +227,7 @@ TEST(BackupRepository, needsNoObjectForAFolderAndHasNoneForAFileWithoutHash) {
     entry.objectHash.reset();
     EXPECT_FALSE(repository->hasObject(entry));
     entry.objectHash = ObjectHash("short");
-    EXPECT_EQ(thrown<BackupError>([&] { repository->hasObject(entry); }), invalidHash);
+    EXPECT_EQ(thrown<BackupError>([&] { repository->hasObject(entry); }), test::invalidHash);
 }
 
 TEST(BackupRepository, makesAPrivateWorkFolderOnce) {

@@ -36,7 +36,7 @@ std::string textOf(const Entries& entries) {
     return encodeJSON(snapshot, JSONStyle::pretty);
 }
 
-std::optional<Snapshot> decoded(std::string_view text) {
+std::optional<Snapshot> decodedIfWhole(std::string_view text) {
     try {
         return decodeJSON<Snapshot>(text);
     } catch (const JSONDecodingError&) {
@@ -63,7 +63,7 @@ TEST(ManifestSuccession, readsTheFirstManifestByItself) {
     ManifestSuccession succession;
     const auto reading = read(succession, textOf(three));
     ASSERT_TRUE(reading);
-    EXPECT_EQ(whole(*reading), *decoded(textOf(three)));
+    EXPECT_EQ(whole(*reading), *decodedIfWhole(textOf(three)));
     EXPECT_THAT(reading->others, ElementsAre(0, 1, 2));
     EXPECT_FALSE(reading->hasSameItems);
 }
@@ -103,7 +103,7 @@ TEST(ManifestSuccession, tellsWhatIsOtherwise) {
         read(succession, textOf(three));
         const auto reading = read(succession, textOf(row.entries));
         ASSERT_TRUE(reading) << row.name;
-        EXPECT_EQ(whole(*reading), *decoded(textOf(row.entries))) << row.name;
+        EXPECT_EQ(whole(*reading), *decodedIfWhole(textOf(row.entries))) << row.name;
         EXPECT_EQ(reading->others, row.others) << row.name;
         EXPECT_EQ(reading->hasSameItems, row.hasSameItems) << row.name;
         const auto again = read(succession, textOf(row.entries));
@@ -126,7 +126,7 @@ TEST(ManifestSuccession, readsEveryDamagedTextAsTheDecoderDoesOrNotAtAll) {
             if (!reading)
                 continue;
             ++readCount;
-            ASSERT_EQ(whole(*reading), decoded(damaged)) << position << " " << flip;
+            ASSERT_EQ(whole(*reading), decodedIfWhole(damaged)) << position << " " << flip;
         }
     EXPECT_GT(readCount, 0U);
 }
@@ -144,7 +144,7 @@ TEST(ManifestSuccession, isNotMisledByATextThatClosesTheListEarly) {
         read(succession, text);
         const auto reading = read(succession, other);
         if (reading)
-            EXPECT_EQ(whole(*reading), decoded(other)) << put;
+            EXPECT_EQ(whole(*reading), decodedIfWhole(other)) << put;
     }
 }
 

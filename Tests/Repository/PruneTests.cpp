@@ -17,7 +17,6 @@ namespace {
 using namespace test;
 
 const std::string paused = "History cleanup paused because a retained file is missing.";
-const std::string invalidHash = "Invalid content reference in the backup.";
 
 std::vector<Uuid> historyOf(const TestRepository& repository) {
     std::vector<Uuid> ids;
@@ -126,7 +125,7 @@ TEST(Prune, deletesNothingForAReferenceOfARetainedFolderThatIsNone) {
     SnapshotEntry entry = folder("a");
     entry.objectHash = ObjectHash("ab");
     const Snapshot invalid = repository.publish({entry}, 200);
-    EXPECT_EQ(refusalThatDeletesNothing(repository), invalidHash);
+    EXPECT_EQ(refusalThatDeletesNothing(repository), test::invalidHash);
     fs::remove(repository->manifest(invalid.id));
     entry.objectHash = ObjectHash::ofDigest(sha256("never stored"));
     repository.publish({entry}, 300);
@@ -178,7 +177,7 @@ TEST(Prune, isStoppedByAStrayFileInAFanOutFolder) {
     repository.publish({}, 1);
     fs::create_directory(repository / "Objects/ab");
     writeFile(repository / "Objects/ab/.hidden", "");
-    EXPECT_EQ(refusalThatDeletesNothing(repository), invalidHash);
+    EXPECT_EQ(refusalThatDeletesNothing(repository), test::invalidHash);
 }
 
 TEST(Prune, isStoppedByAFileInPlaceOfAFanOutFolder) {

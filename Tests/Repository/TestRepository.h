@@ -9,6 +9,9 @@
 
 namespace marrowbox::test {
 
+/// What is said of a manifest with a text that is no hash.
+inline const std::string invalidHash = "Invalid content reference in the backup.";
+
 /// A repository in a scratch folder, with ways to put things into it behind the program's back.
 class TestRepository {
   public:

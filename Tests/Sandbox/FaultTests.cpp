@@ -10,7 +10,7 @@ using namespace sandbox;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::string files = "https://www.googleapis.com/drive/v3/files";
+const std::string filesAddress = "https://www.googleapis.com/drive/v3/files";
 
 struct SandboxFault : testing::Test {
     SandboxServer sandbox;
@@ -20,9 +20,9 @@ struct SandboxFault : testing::Test {
 
     SandboxFault() { client.setToken(sandbox.identity().issueToken().accessToken); }
     Reply bytes(const std::vector<std::string>& headers = {}) {
-        return client.get(files + "/" + file + "?alt=media", headers);
+        return client.get(filesAddress + "/" + file + "?alt=media", headers);
     }
-    Reply page() { return client.get(files + "?q='root'+in+parents"); }
+    Reply page() { return client.get(filesAddress + "?q='root'+in+parents"); }
 };
 
 TEST_F(SandboxFault, answersTheNthRequestAndThoseBehindItAsScripted) {

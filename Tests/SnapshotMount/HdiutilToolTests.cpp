@@ -17,7 +17,7 @@ std::string recorded(const std::string& name) {
     return readFile(fs::path(MARROWBOX_TEST_DATA) / name);
 }
 
-struct Tool {
+struct ScriptedHdiutil {
     std::shared_ptr<test::ScriptedMachine> machine = std::make_shared<test::ScriptedMachine>();
     HdiutilTool hdiutil{machine};
 };
@@ -25,7 +25,7 @@ struct Tool {
 } // namespace
 
 TEST(HdiutilTool, makesAReadOnlyImageWithItsExactArguments) {
-    Tool tool;
+    ScriptedHdiutil tool;
     tool.machine->answer("hdiutil create", ProcessRunner::Result{0, ""});
     EXPECT_TRUE(
         test::await(tool.hdiutil.create("/w/Files", "Marrowbox A 11-21 1504", "/w/Snapshot.dmg", {})));
@@ -39,7 +39,7 @@ TEST(HdiutilTool, makesAReadOnlyImageWithItsExactArguments) {
 }
 
 TEST(HdiutilTool, attachesReadOnlyAndTakesTheFirstMountPoint) {
-    Tool tool;
+    ScriptedHdiutil tool;
     tool.machine->answer("hdiutil attach", ProcessRunner::Result{0, recorded("attach-partitioned.plist")});
     EXPECT_EQ(test::await(tool.hdiutil.attach("/w/Snapshot.dmg", "M", {})),
               "/Volumes/Marrowbox Papers 11-21 1504");
@@ -49,7 +49,7 @@ TEST(HdiutilTool, attachesReadOnlyAndTakesTheFirstMountPoint) {
 }
 
 TEST(HdiutilTool, findsNoMountPointWhereNothingWasMounted) {
-    Tool tool;
+    ScriptedHdiutil tool;
     tool.machine->answerOnce("hdiutil attach",
                              ProcessRunner::Result{0, recorded("attach-without-mount-point.plist")});
     EXPECT_FALSE(test::await(tool.hdiutil.attach("/w/Snapshot.dmg", "M", {})));
@@ -72,7 +72,7 @@ TEST(HdiutilTool, refusesAnAttachAnswerOfAnotherShape) {
 }
 
 TEST(HdiutilTool, readsTheWholeInventory) {
-    Tool tool;
+    ScriptedHdiutil tool;
     tool.machine->answer("hdiutil info", ProcessRunner::Result{0, recorded("info-two-images.plist")});
     const std::vector<Attachment> expected{
         {"/Users/rene/Library/Application Support/Marrowbox/MountedSnapshots/MountWork/"
@@ -112,14 +112,14 @@ TEST(HdiutilTool, failsAnInventoryThatIsNoPropertyList) {
 }
 
 TEST(HdiutilTool, saysThatTheInventoryCouldNotBeAskedFor) {
-    Tool tool;
+    ScriptedHdiutil tool;
     tool.machine->answer("hdiutil info", ProcessRunner::Result{1, recorded("info-no-images.plist")});
     EXPECT_EQ(test::thrown<BackupError>([&] { test::await(tool.hdiutil.attached({})); }),
               "macOS disk-image state could not be inspected; temporary files were kept.");
 }
 
 TEST(HdiutilTool, detachesAMountPointAndNeverForces) {
-    Tool tool;
+    ScriptedHdiutil tool;
     tool.machine->answerOnce("hdiutil detach", ProcessRunner::Result{0, ""});
     tool.machine->answerOnce("hdiutil detach", ProcessRunner::Result{16, "Resource busy"});
     const Attachment attachment{"/w/Snapshot.dmg", "/Volumes/M"};

@@ -2,6 +2,7 @@
 // mounts. Each call and each failure is tried on mounts that stand in a file; here the tools are real.
 #include "BareWorkFolders.h"
 #include "LinuxWorld.h"
+#include "Reconciliations.h"
 #include "Support/Spread.h"
 #include "Support/WatchedProgram.h"
 
@@ -16,8 +17,6 @@
 namespace marrowbox {
 
 namespace {
-
-const std::string invalid = "Invalid snapshot mount registry entry was retained.";
 
 class KilledEject : public ::testing::Test {
   protected:
@@ -57,7 +56,7 @@ class KilledEject : public ::testing::Test {
     void expectMountedForgottenOrKept() {
         const auto found = test::await(mounts->reconcile({}));
         EXPECT_TRUE(found.isAuthoritative);
-        EXPECT_EQ(found.issue, left.empty() ? std::nullopt : std::optional(invalid));
+        EXPECT_EQ(found.issue, left.empty() ? std::nullopt : std::optional(test::invalidEntry));
         EXPECT_EQ(world->folder().load().entries.size(), found.mounted.size() + left.size());
         for (const auto& mounted : found.mounted) {
             world->backup.expectWholeSnapshot(mounted.volume);

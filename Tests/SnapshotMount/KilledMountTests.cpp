@@ -1,6 +1,7 @@
 // What a program that is killed in the middle of a mount leaves, and what the next one makes of it.
 #include "KillSwitch.h"
 #include "LinuxWorld.h"
+#include "Reconciliations.h"
 #include "Support/TreeState.h"
 
 #include "Platform/Files.h"
@@ -15,9 +16,6 @@
 namespace marrowbox {
 
 namespace {
-
-const SnapshotMount::Reconciliation nothing{.isAuthoritative = true};
-const std::string invalid = "Invalid snapshot mount registry entry was retained.";
 
 /// Runs one tool through a shell script, in which "$@" is the tool's own command.
 class ScriptedTool final : public SnapshotMountSystem {
@@ -116,8 +114,8 @@ test::KillRule onceAt(std::string call, std::string end) {
 TEST_F(KilledMount, beforeItIsRecordedLeavesNothing) {
     killBefore(onceAt("rename", "mounts.json"));
     EXPECT_TRUE(world->hasNoWork());
-    EXPECT_EQ(reconcile(), nothing);
-    EXPECT_EQ(unchangingReconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
+    EXPECT_EQ(unchangingReconcile(), test::nothingToTell);
     EXPECT_THAT(directoryNames(world->directory),
                 ::testing::UnorderedElementsAre("MountWork", "mounts.lock"));
 }
@@ -127,14 +125,14 @@ TEST_F(KilledMount, beforeItsWorkFolderIsMadeLosesItsEntry) {
         return call == "mkdir" && fs::path(path).parent_path() == world->workRoot();
     });
     EXPECT_FALSE(fs::exists(workFolder()));
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 
 TEST_F(KilledMount, beforeItsMarkerStandsIsRetainedOnEveryPass) {
     killBefore(onceAt("rename", ".marrowbox-mount.json"));
     EXPECT_TRUE(fs::exists(workFolder()));
-    const SnapshotMount::Reconciliation retained{.issue = invalid, .isAuthoritative = true};
+    const SnapshotMount::Reconciliation retained{.issue = test::invalidEntry, .isAuthoritative = true};
     EXPECT_EQ(unchangingReconcile(), retained);
     EXPECT_EQ(unchangingReconcile(), retained);
 }
@@ -147,7 +145,7 @@ TEST_F(KilledMount, inTheMiddleOfTheRestoreIsDeleted) {
     EXPECT_TRUE(fs::exists(workFolder() / "Files"));
     EXPECT_FALSE(fs::exists(entry().image.path()));
     EXPECT_EQ(entry().phase, MountPhase::preparing);
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 
@@ -166,7 +164,7 @@ TEST_F(KilledMount, whoseImageIsStillMadeIsDeletedWhenTheToolHasEnded) {
     writeAll(openFile(gate, O_WRONLY), "go\n");
     ASSERT_TRUE(test::await(processesEnded(std::move(tool), std::chrono::seconds(60))));
     EXPECT_TRUE(fs::exists(image)) << "the tool outlived the program";
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 
@@ -174,7 +172,7 @@ TEST_F(KilledMount, whoseImageIsPartialIsDeleted) {
     killWhile("mksquashfs", "printf hsqs > \"$3\"; kill -KILL $PPID");
     EXPECT_TRUE(fs::exists(entry().image.path()));
     world->awaitEndOfProcesses(entry().image.path());
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 
@@ -182,7 +180,7 @@ TEST_F(KilledMount, beforeItIsAttachedIsDeleted) {
     killWhile("squashfuse", "kill -KILL $PPID");
     EXPECT_TRUE(fs::exists(entry().image.path()));
     world->awaitEndOfProcesses(entry().image.path());
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 
@@ -231,7 +229,7 @@ TEST_F(KilledMount, atAnyCallIsHealedOrRetainedAsAWhole) {
         const auto reconciliation = reconcile();
         EXPECT_TRUE(reconciliation.isAuthoritative) << killed;
         if (reconciliation.issue) {
-            EXPECT_EQ(reconciliation.issue, invalid) << killed;
+            EXPECT_EQ(reconciliation.issue, test::invalidEntry) << killed;
             EXPECT_FALSE(fs::exists(workFolder() / ".marrowbox-mount.json")) << killed;
             ++retained;
         } else {

@@ -1,5 +1,6 @@
 // Volumes for real, with the tools of this machine.
 #include "LinuxWorld.h"
+#include "Reconciliations.h"
 
 #include "Models/BackupError.h"
 #include "Platform/Files.h"
@@ -17,8 +18,6 @@
 namespace marrowbox {
 
 namespace {
-
-const SnapshotMount::Reconciliation nothing{.isAuthoritative = true};
 
 class LinuxVolume : public ::testing::Test {
   protected:
@@ -132,7 +131,7 @@ TEST_F(LinuxVolume, isFoundAgainByALaterRunOfTheProgram) {
     EXPECT_EQ(reconcile(), (SnapshotMount::Reconciliation{.mounted = {mounted}, .isAuthoritative = true}));
     EXPECT_EQ(test::await(mounts->validatedMounted(mounted.id, {})), mounted);
     test::await(mounts->unmount(mounted, {}));
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
 }
 
 TEST_F(LinuxVolume, thatARestartOfTheMachineTookAwayIsCleanedUp) {
@@ -141,7 +140,7 @@ TEST_F(LinuxVolume, thatARestartOfTheMachineTookAwayIsCleanedUp) {
     mounts = world->start();
     EXPECT_EQ(test::await(mounts->validatedMounted(mounted.id, {})), std::nullopt);
     EXPECT_EQ(refusedEject(mounted), "This snapshot is no longer mounted. Recovery will clean it up safely.");
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 
@@ -198,7 +197,7 @@ TEST_F(LinuxVolume, keepsItsWorkWhileAFileInItIsOpen) {
     EXPECT_EQ(refusedEject(mounted), inUse);
     EXPECT_EQ(reconcile(), (SnapshotMount::Reconciliation{.issue = inUse, .isAuthoritative = true}));
     open.close();
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 
@@ -213,7 +212,7 @@ TEST_F(LinuxVolume, keepsItsWorkWhileItsServerDoesNotEnd) {
     EXPECT_TRUE(machine->wasAsked);
     EXPECT_TRUE(fs::exists(mounted.workingDirectory / "Snapshot.dmg"));
     image.close();
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 
@@ -229,7 +228,7 @@ TEST_F(LinuxVolume, isTheSameWhereALinkLeadsToTheDataFolder) {
     Descriptor open = openFile(mounted.workingDirectory / "Files" / "twin.txt", O_RDONLY);
     EXPECT_EQ(refusedEject(mounted), "Snapshot temporary files may still be in use and were retained.");
     open.close();
-    EXPECT_EQ(reconcile(), nothing);
+    EXPECT_EQ(reconcile(), test::nothingToTell);
     EXPECT_TRUE(world->hasNoWork());
 }
 

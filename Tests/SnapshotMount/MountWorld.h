@@ -16,6 +16,10 @@
 
 namespace marrowbox::test {
 
+inline fs::path markerOf(const MountEntry& entry) {
+    return entry.workingDirectory.path() / ".marrowbox-mount.json";
+}
+
 /// An operation under way, and later its end.
 template <typename Result>
 struct Outcome {

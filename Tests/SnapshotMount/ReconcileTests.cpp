@@ -1,4 +1,5 @@
 #include "MountWorld.h"
+#include "Reconciliations.h"
 
 #include "Platform/Files.h"
 
@@ -9,20 +10,14 @@ namespace marrowbox {
 
 namespace {
 
-const std::string invalid = "Invalid snapshot mount registry entry was retained.";
-const std::string unmounted = "A snapshot image is attached but not mounted; its files were kept.";
+const std::string attachedOnly = "A snapshot image is attached but not mounted; its files were kept.";
 const std::string skipped = "Snapshot mount recovery was skipped: ";
-const SnapshotMount::Reconciliation nothing{.isAuthoritative = true};
-
-fs::path markerOf(const MountEntry& entry) {
-    return entry.workingDirectory.path() / ".marrowbox-mount.json";
-}
 
 } // namespace
 
 TEST(Reconcile, ofAnEmptyRegistryFindsNothingAndIsSure) {
     test::MountWorld world;
-    EXPECT_EQ(world.unchangingReconcile(), nothing);
+    EXPECT_EQ(world.unchangingReconcile(), test::nothingToTell);
 }
 
 TEST(Reconcile, removesWhatAStopInTheMiddleOfASaveLeft) {
@@ -83,19 +78,20 @@ TEST(Reconcile, listsALiveMountAndReportsTheFirstOfTwoFailures) {
     const MountEntry live = world.prepareMounted("/Volumes/Live");
     const MountEntry pointless = world.prepare();
     world.machine->attached.push_back({pointless.image.path(), std::nullopt});
-    fs::remove(markerOf(tampered));
-    const SnapshotMount::Reconciliation expected{
-        .mounted = {world.mountedOf(live, "/Volumes/Live")}, .issue = invalid, .isAuthoritative = true};
+    fs::remove(test::markerOf(tampered));
+    const SnapshotMount::Reconciliation expected{.mounted = {world.mountedOf(live, "/Volumes/Live")},
+                                                 .issue = test::invalidEntry,
+                                                 .isAuthoritative = true};
     EXPECT_EQ(world.unchangingReconcile(), expected);
 }
 
 TEST(Reconcile, returnsTheSameIssueOfATamperedEntryOnEveryPass) {
     test::MountWorld world;
     const MountEntry entry = world.prepareMounted();
-    writeAll(openFile(markerOf(entry), O_WRONLY | O_TRUNC), "{}");
+    writeAll(openFile(test::markerOf(entry), O_WRONLY | O_TRUNC), "{}");
     for (int pass = 0; pass < 3; ++pass)
         EXPECT_EQ(world.unchangingReconcile(),
-                  (SnapshotMount::Reconciliation{.issue = invalid, .isAuthoritative = true}));
+                  (SnapshotMount::Reconciliation{.issue = test::invalidEntry, .isAuthoritative = true}));
 }
 
 TEST(Reconcile, cleansUpAnAttachedEntryWhoseImageIsGoneAfterARestart) {
@@ -104,7 +100,7 @@ TEST(Reconcile, cleansUpAnAttachedEntryWhoseImageIsGoneAfterARestart) {
     entry.phase = MountPhase::attached;
     entry.volume = FileURL::ofFolder("/Volumes/Snapshot");
     world.registerEntries({entry});
-    EXPECT_EQ(world.run(world.mounts.reconcile({})), nothing);
+    EXPECT_EQ(world.run(world.mounts.reconcile({})), test::nothingToTell);
     EXPECT_FALSE(fs::exists(entry.workingDirectory.path()));
     EXPECT_TRUE(world.folder.load().entries.empty());
 }
@@ -133,14 +129,14 @@ TEST(Reconcile, forgetsAVolumeThatTheUserEjected) {
     const MountEntry entry = world.prepareMounted();
     ASSERT_EQ(world.run(world.mounts.reconcile({})).mounted.size(), 1u);
     world.machine->attached.clear();
-    EXPECT_EQ(world.run(world.mounts.reconcile({})), nothing);
+    EXPECT_EQ(world.run(world.mounts.reconcile({})), test::nothingToTell);
     EXPECT_FALSE(fs::exists(entry.workingDirectory.path()));
 }
 
 TEST(Reconcile, dropsAnEntryWhoseWorkFolderWasNeverMade) {
     test::MountWorld world;
     world.registerEntries({world.newEntry()});
-    EXPECT_EQ(world.run(world.mounts.reconcile({})), nothing);
+    EXPECT_EQ(world.run(world.mounts.reconcile({})), test::nothingToTell);
     EXPECT_TRUE(world.folder.load().entries.empty());
 }
 
@@ -153,7 +149,7 @@ TEST(Reconcile, keepsWorkThatIsInUseOrStillPreparedAndDeletesItLater) {
     world.machine->answerOnce("ps",
                               ProcessRunner::Result{0, "hdiutil create " + entry.image.path().string()});
     EXPECT_EQ(world.unchangingReconcile().issue, "Snapshot preparation is still running and was retained.");
-    EXPECT_EQ(world.run(world.mounts.reconcile({})), nothing);
+    EXPECT_EQ(world.run(world.mounts.reconcile({})), test::nothingToTell);
     EXPECT_FALSE(fs::exists(entry.workingDirectory.path()));
 }
 
@@ -162,7 +158,7 @@ TEST(Reconcile, keepsAnImageThatIsAttachedWithoutAMountPoint) {
     const MountEntry entry = world.prepare();
     world.machine->attached = {{entry.image.path(), std::nullopt}};
     EXPECT_EQ(world.unchangingReconcile(),
-              (SnapshotMount::Reconciliation{.issue = unmounted, .isAuthoritative = true}));
+              (SnapshotMount::Reconciliation{.issue = attachedOnly, .isAuthoritative = true}));
 }
 
 TEST(Reconcile, leavesAnImageThatCameUpMeanwhileToTheNextPass) {
@@ -172,7 +168,7 @@ TEST(Reconcile, leavesAnImageThatCameUpMeanwhileToTheNextPass) {
         world.machine->attached = {{entry.image.path(), "/Volumes/Snapshot"}};
         return ProcessRunner::Result{0, test::inventoryText({})};
     });
-    EXPECT_EQ(world.unchangingReconcile(), nothing);
+    EXPECT_EQ(world.unchangingReconcile(), test::nothingToTell);
     EXPECT_EQ(world.unchangingReconcile().mounted.size(), 1u);
 }
 
@@ -212,7 +208,7 @@ TEST(Reconcile, thatIsCancelledDuringAnyToolOfARemovalKeepsEverythingForTheNext)
         EXPECT_THROW(world.run(world.mounts.reconcile(stop.get_token())), CancellationError);
         EXPECT_EQ(world.machine->calls.size(), call + 1);
         EXPECT_EQ(test::treeState(world.scratch.path()), before);
-        EXPECT_EQ(world.run(world.mounts.reconcile({})), nothing);
+        EXPECT_EQ(world.run(world.mounts.reconcile({})), test::nothingToTell);
         EXPECT_FALSE(fs::exists(entry.workingDirectory.path()));
     }
 }

@@ -15,7 +15,7 @@ namespace marrowbox {
 
 namespace {
 
-std::string recorded(const std::string& name) {
+std::string recordedOutput(const std::string& name) {
     return readFile(fs::path(MARROWBOX_TEST_DATA) / name);
 }
 
@@ -23,7 +23,7 @@ std::string findmntText(const std::string& source, const std::string& target) {
     return R"({"filesystems":[{"source":")" + source + R"(","target":")" + target + R"(","fstype":"fuse"}]})";
 }
 
-struct Tool {
+struct ScriptedSquashfs {
     test::ScratchFolder scratch;
     std::shared_ptr<test::ScriptedMachine> machine = std::make_shared<test::ScriptedMachine>();
     MountPointFolder points{fs::canonical(scratch.path()) / "marrowbox", ::getuid()};
@@ -38,7 +38,7 @@ struct Tool {
 } // namespace
 
 TEST(SquashfsTool, packsAFolderWithoutCompressionAndLeavesNothingOut) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.machine->answer("mksquashfs", ProcessRunner::Result{0, ""});
     EXPECT_TRUE(test::await(tool.squashfs.create("/w/Files", "M", "/w/Snapshot.dmg", {})));
     ASSERT_EQ(tool.machine->calls.size(), 1u);
@@ -54,7 +54,7 @@ TEST(SquashfsTool, packsAFolderWithoutCompressionAndLeavesNothingOut) {
 }
 
 TEST(SquashfsTool, attachesOnAPrivateFolderNamedByTheVolume) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.machine->answer("squashfuse", ProcessRunner::Result{0, ""});
     tool.machine->answer("findmnt",
                          ProcessRunner::Result{0, findmntText("/w/Snapshot.dmg", tool.expectedPoint())});
@@ -69,7 +69,7 @@ TEST(SquashfsTool, attachesOnAPrivateFolderNamedByTheVolume) {
 }
 
 TEST(SquashfsTool, keepsCommasAndBackslashesOfAPathOutOfTheMountOptions) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.machine->answer("squashfuse", ProcessRunner::Result{1, ""});
     EXPECT_FALSE(tool.attach("/w,allow_other/a\\b/Snapshot.dmg"));
     EXPECT_EQ(tool.machine->calls[0].arguments[1], "ro,fsname=/w\\,allow_other/a\\\\b/Snapshot.dmg");
@@ -77,7 +77,7 @@ TEST(SquashfsTool, keepsCommasAndBackslashesOfAPathOutOfTheMountOptions) {
 }
 
 TEST(SquashfsTool, removesTheMountPointOfAFailedAttach) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.machine->answer("squashfuse", ProcessRunner::Result{1, "no fuse device"});
     EXPECT_FALSE(tool.attach());
     EXPECT_FALSE(fs::exists(tool.expectedPoint()));
@@ -87,14 +87,14 @@ TEST(SquashfsTool, removesTheMountPointOfAFailedAttach) {
 }
 
 TEST(SquashfsTool, believesTheListOfMountsAndNotTheStatus) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.machine->answer("squashfuse", ProcessRunner::Result{0, ""});
     tool.machine->answer("findmnt", ProcessRunner::Result{0, R"({"filesystems":[]})"});
     EXPECT_FALSE(tool.attach());
 }
 
 TEST(SquashfsTool, waitsForNobodyWhoMakesAMountPoint) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.points.prepare();
     const RepositoryLock lock(tool.points.lockFile(), "");
     EXPECT_EQ(test::thrown<LockBusyError>([&] { tool.attach(); }),
@@ -103,7 +103,7 @@ TEST(SquashfsTool, waitsForNobodyWhoMakesAMountPoint) {
 }
 
 TEST(SquashfsTool, detachesWithoutForceAndRemovesTheMountPoint) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.points.prepare();
     const fs::path point = tool.points.makeMountPoint("M");
     tool.machine->answerOnce("fusermount3", ProcessRunner::Result{1, "Device or resource busy"});
@@ -117,7 +117,7 @@ TEST(SquashfsTool, detachesWithoutForceAndRemovesTheMountPoint) {
 }
 
 TEST(SquashfsTool, leavesAMountPointThatItDidNotMake) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.points.prepare();
     const fs::path own = tool.scratch / "my mount";
     fs::create_directory(own);
@@ -127,7 +127,7 @@ TEST(SquashfsTool, leavesAMountPointThatItDidNotMake) {
 }
 
 TEST(SquashfsTool, asksForOpenFilesWithoutWarnings) {
-    const Tool tool;
+    const ScriptedSquashfs tool;
     EXPECT_EQ(tool.squashfs.openFilesQuery("/w"), (ToolCommand{"/usr/bin/lsof", {"-w", "-Fn", "+D", "/w"}}));
 }
 
@@ -138,11 +138,11 @@ TEST(SquashfsTool, findsTheFuseMountsInTheListOfMounts) {
                                             "0A0C7F5B-6A57-4C3B-9A30-3D2A0F5E9A11/Snapshot.dmg",
                                             "/run/user/1000/marrowbox/Marrowbox Papers 11-21 1504"},
                                            {"/home/rené/a \"quoted\"\nname, and a \\.dmg", "/mnt/x"}};
-    EXPECT_EQ(SquashfsTool::inventory(recorded("findmnt-desktop.json"), 1000), expected);
+    EXPECT_EQ(SquashfsTool::inventory(recordedOutput("findmnt-desktop.json"), 1000), expected);
 }
 
 TEST(SquashfsTool, believesNoMountOfAnotherUser) {
-    const std::string text = recorded("findmnt-of-two-users.json");
+    const std::string text = recordedOutput("findmnt-of-two-users.json");
     const fs::path image = "/home/anna/Snapshot.dmg";
     EXPECT_EQ(SquashfsTool::inventory(text, 1000),
               (std::vector<Attachment>{{image, "/run/user/1000/marrowbox/Papers"},
@@ -154,7 +154,7 @@ TEST(SquashfsTool, believesNoMountOfAnotherUser) {
 }
 
 TEST(SquashfsTool, handsOutNoFolderOnWhichAnotherUserMountedTheImagesName) {
-    Tool tool;
+    ScriptedSquashfs tool;
     tool.machine->answer("squashfuse", ProcessRunner::Result{1, ""});
     const std::string theirs = R"({"filesystems":[{"source":"/w/Snapshot.dmg","target":"/home/mallory/mine",)"
                                R"("fstype":"fuse","fs-options":"rw,user_id=)" +
@@ -175,7 +175,7 @@ TEST(SquashfsTool, failsTheWholeInventoryForOneMountThatIsNotComplete) {
     for (const std::string name :
          {"findmnt-fuse-without-source.json", "findmnt-fuse-without-target.json", "findmnt-empty-target.json",
           "findmnt-without-type.json", "findmnt-line-of-text.json"})
-        EXPECT_EQ(test::thrown<BackupError>([&] { SquashfsTool::inventory(recorded(name), 1000); }),
+        EXPECT_EQ(test::thrown<BackupError>([&] { SquashfsTool::inventory(recordedOutput(name), 1000); }),
                   "The system returned an incomplete disk-image inventory.")
             << name;
 }
@@ -184,14 +184,14 @@ TEST(SquashfsTool, failsAnInventoryOfAnotherShape) {
     for (const std::string name :
          {"findmnt-array.json", "findmnt-without-list.json", "findmnt-list-as-object.json",
           "findmnt-truncated.json", "findmnt-with-warning-behind.json"})
-        EXPECT_EQ(test::thrown<BackupError>([&] { SquashfsTool::inventory(recorded(name), 1000); }),
+        EXPECT_EQ(test::thrown<BackupError>([&] { SquashfsTool::inventory(recordedOutput(name), 1000); }),
                   "The system returned ambiguous disk-image state.")
             << name;
 }
 
 TEST(SquashfsTool, saysThatTheInventoryCouldNotBeAskedFor) {
-    Tool tool;
-    tool.machine->answer("findmnt", ProcessRunner::Result{1, recorded("findmnt-desktop.json")});
+    ScriptedSquashfs tool;
+    tool.machine->answer("findmnt", ProcessRunner::Result{1, recordedOutput("findmnt-desktop.json")});
     EXPECT_EQ(test::thrown<BackupError>([&] { test::await(tool.squashfs.attached({})); }),
               "The system’s disk-image state could not be inspected; temporary files were kept.");
 }

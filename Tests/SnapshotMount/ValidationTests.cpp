@@ -16,10 +16,6 @@ const std::string untrusted = "Untrusted snapshot mount data was retained.";
 const std::string badMarker = "Invalid snapshot mount marker was retained.";
 const std::string otherMarker = "Mismatched snapshot mount marker was retained.";
 
-fs::path markerOf(const MountEntry& entry) {
-    return entry.workingDirectory.path() / ".marrowbox-mount.json";
-}
-
 /// Moves a work folder out of the tree and leaves a link in its place.
 void redirect(const test::MountWorld& world, const MountEntry& entry) {
     fs::rename(entry.workingDirectory.path(), world.scratch / "elsewhere");
@@ -164,7 +160,7 @@ TEST(MountValidation, refusesAMarkerOrAnImageThatIsALink) {
 TEST(MountValidation, refusesWorkOfSomebodyElse) {
     test::MountWorld world;
     const MountEntry entry = world.prepare();
-    for (const fs::path& path : {entry.workingDirectory.path(), markerOf(entry), entry.image.path()}) {
+    for (const fs::path& path : {entry.workingDirectory.path(), test::markerOf(entry), entry.image.path()}) {
         world.machine->owners = {{path, ::getuid() + 1}};
         EXPECT_EQ(world.refusedValidation<BackupError>(entry), untrusted) << path;
         expectRetained(world);
@@ -186,7 +182,7 @@ TEST(MountValidation, refusesWorkThatWasGivenToAnotherUser) {
 TEST(MountMarker, thatIsMissingIsTheSystemsErrorAndNoneOfOurs) {
     test::MountWorld world;
     const MountEntry entry = world.prepare();
-    fs::remove(markerOf(entry));
+    fs::remove(test::markerOf(entry));
     try {
         world.folder.validate(entry, MarkerCheck::required);
         ADD_FAILURE() << "nothing was thrown";
@@ -199,8 +195,8 @@ TEST(MountMarker, thatIsMissingIsTheSystemsErrorAndNoneOfOurs) {
 TEST(MountMarker, thatIsAFolderIsInvalid) {
     test::MountWorld world;
     const MountEntry entry = world.prepare();
-    fs::remove(markerOf(entry));
-    fs::create_directory(markerOf(entry));
+    fs::remove(test::markerOf(entry));
+    fs::create_directory(test::markerOf(entry));
     EXPECT_EQ(world.refusedValidation<BackupError>(entry), badMarker);
     expectRetained(world);
 }
@@ -208,8 +204,8 @@ TEST(MountMarker, thatIsAFolderIsInvalid) {
 TEST(MountMarker, thatIsAPipeIsInvalidAndNotWaitedFor) {
     test::MountWorld world;
     const MountEntry entry = world.prepare();
-    fs::remove(markerOf(entry));
-    ASSERT_EQ(::mkfifo(markerOf(entry).c_str(), 0600), 0);
+    fs::remove(test::markerOf(entry));
+    ASSERT_EQ(::mkfifo(test::markerOf(entry).c_str(), 0600), 0);
     EXPECT_EQ(world.refusedValidation<BackupError>(entry), badMarker);
     expectRetained(world);
 }
@@ -217,7 +213,7 @@ TEST(MountMarker, thatIsAPipeIsInvalidAndNotWaitedFor) {
 TEST(MountMarker, thatCannotBeDecodedIsRetained) {
     test::MountWorld world;
     const MountEntry entry = world.prepare();
-    writeAll(openFile(markerOf(entry), O_WRONLY | O_TRUNC), "{\"id\":");
+    writeAll(openFile(test::markerOf(entry), O_WRONLY | O_TRUNC), "{\"id\":");
     EXPECT_NE(world.refusedValidation<JSONDecodingError>(entry), "");
     expectRetained(world);
 }
@@ -226,7 +222,7 @@ TEST(MountMarker, ofAnotherWorkFolderIsMismatched) {
     test::MountWorld world;
     const MountEntry other = world.prepareWork();
     const MountEntry entry = world.prepare();
-    fs::rename(markerOf(other), markerOf(entry));
+    fs::rename(test::markerOf(other), test::markerOf(entry));
     EXPECT_EQ(world.refusedValidation<BackupError>(entry), otherMarker);
     expectRetained(world);
 }

@@ -1,5 +1,7 @@
 #include "Models/DriveLink.h"
 
+#include "Models/ASCII.h"
+
 #include "Models/EmailAddress.h"
 
 #include <algorithm>
@@ -13,17 +15,10 @@ namespace {
 constexpr std::string_view driveApplication = "https://drive.google.com/drive/";
 constexpr std::size_t longestId = 200;
 
-bool isLetter(char byte) {
-    return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
-}
-bool isAlphanumeric(char byte) {
-    return isLetter(byte) || (byte >= '0' && byte <= '9');
-}
-
 /// Not empty, and made of ASCII letters, digits and these characters.
 bool consistsOf(std::string_view text, std::string_view alsoAllowed) {
     return !text.empty() && std::ranges::all_of(text, [&](char byte) {
-        return isAlphanumeric(byte) || alsoAllowed.find(byte) != std::string_view::npos;
+        return isASCIILetterOrDigit(byte) || alsoAllowed.find(byte) != std::string_view::npos;
     });
 }
 
@@ -32,7 +27,7 @@ std::string percentEncoded(std::string_view text) {
     std::string encoded;
     for (const char byte : text) {
         const auto value = static_cast<unsigned char>(byte);
-        if (isAlphanumeric(byte) || std::string_view("-._~").find(byte) != std::string_view::npos)
+        if (isASCIILetterOrDigit(byte) || std::string_view("-._~").find(byte) != std::string_view::npos)
             encoded += byte;
         else
             encoded += {'%', digits[value >> 4], digits[value & 15]};

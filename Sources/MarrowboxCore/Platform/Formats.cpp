@@ -14,7 +14,7 @@ namespace marrowbox {
 
 namespace {
 
-void requireSuccess(UErrorCode status) {
+void requireFormat(UErrorCode status) {
     if (U_FAILURE(status))
         throw std::runtime_error(std::string("Formatting support failed: ") + u_errorName(status));
 }
@@ -31,7 +31,7 @@ std::unique_ptr<icu::DateFormat> dateFormat(const char* skeleton, const icu::Loc
     UErrorCode status = U_ZERO_ERROR;
     std::unique_ptr<icu::DateFormat> format(
         icu::DateFormat::createInstanceForSkeleton(icu::UnicodeString(skeleton), locale, status));
-    requireSuccess(status);
+    requireFormat(status);
     format->setTimeZone(zone);
     return format;
 }
@@ -130,7 +130,7 @@ std::string Formats::byteCount(std::int64_t bytes) const {
                             .roundingMode(UNUM_ROUND_HALFUP)
                             .formatDouble(double(bytes) / double(scale), status);
     const icu::UnicodeString text = number.toString(status);
-    requireSuccess(status);
+    requireFormat(status);
     return utf8(text);
 }
 

@@ -16,7 +16,7 @@ constexpr std::string_view hashFrame = "{\n      \"objectHash\": \"";
 constexpr std::size_t hashLength = 64;
 /// More than all that stands around the written source of an entry.
 constexpr std::size_t longestFrame = 256;
-constexpr std::size_t longestOther = 1 << 20;
+constexpr std::size_t longestOtherEntry = 1 << 20;
 
 JSONWriter writerAt(int depth) {
     JSONWriter writer(JSONStyle::pretty);
@@ -188,7 +188,7 @@ bool FamiliarEntries::takeOther() {
     const std::size_t start = separator().size();
     std::size_t length = 1024;
     std::size_t end = std::string_view::npos;
-    for (; end == std::string_view::npos && length <= longestOther; length *= 2)
+    for (; end == std::string_view::npos && length <= longestOtherEntry; length *= 2)
         end = text_.next(length).find(entryEnd, start);
     if (end == std::string_view::npos)
         return false;

@@ -11,12 +11,12 @@ namespace marrowbox {
 
 namespace {
 
-using EntryList = std::span<const Shared<SnapshotEntry>>;
+using EntrySpan = std::span<const Shared<SnapshotEntry>>;
 
 /// The entries of a snapshot by their paths.
 class PathIndex {
   public:
-    explicit PathIndex(EntryList entries) : entries_(entries), table_(entries.size()) {
+    explicit PathIndex(EntrySpan entries) : entries_(entries), table_(entries.size()) {
         for (std::uint32_t position = 0; position < entries.size(); ++position)
             table_.insert(hashOf(entries[position]->source.path), position,
                           [](std::uint32_t) { return false; });
@@ -30,7 +30,7 @@ class PathIndex {
   private:
     static std::size_t hashOf(const SharedText& path) { return SharedTextHash()(path); }
 
-    EntryList entries_;
+    EntrySpan entries_;
     IndexTable table_;
 };
 
@@ -38,7 +38,7 @@ class PathIndex {
 /// that the next one is looked at first, and the table is made when that fails.
 class PathWalk {
   public:
-    explicit PathWalk(EntryList entries) : entries_(entries) {}
+    explicit PathWalk(EntrySpan entries) : entries_(entries) {}
 
     std::uint32_t find(const SharedText& path) {
         const bool isNext = next_ < entries_.size() && entries_[next_]->source.path == path;
@@ -55,7 +55,7 @@ class PathWalk {
         return index_->find(path);
     }
 
-    EntryList entries_;
+    EntrySpan entries_;
     std::uint32_t next_ = 0;
     std::optional<PathIndex> index_;
 };
@@ -69,7 +69,7 @@ class FingerprintIndex {
     }
 
   public:
-    explicit FingerprintIndex(EntryList entries)
+    explicit FingerprintIndex(EntrySpan entries)
         : entries_(entries), table_(entries.size()), first_(entries.size()) {
         const auto count = static_cast<std::uint32_t>(entries.size());
         for (std::uint32_t position = 0; position < count + lookahead; ++position) {
@@ -100,7 +100,7 @@ class FingerprintIndex {
             table_.insert(hashes_[position % lookahead], position, isLike(entries_[position]->source));
     }
 
-    EntryList entries_;
+    EntrySpan entries_;
     IndexTable table_;
     std::vector<std::uint32_t> first_;
     std::array<std::size_t, lookahead> hashes_{};
@@ -113,7 +113,7 @@ struct Match {
     bool isStored = false;                        ///< The content's object is there to be used again.
 };
 
-std::vector<Match> matchItems(std::span<const SourceEntry> listing, EntryList previous) {
+std::vector<Match> matchItems(std::span<const SourceEntry> listing, EntrySpan previous) {
     PathWalk byPath(previous);
     const FingerprintIndex byFingerprint(previous);
     std::vector<Match> matches;
@@ -130,7 +130,7 @@ std::vector<Match> matchItems(std::span<const SourceEntry> listing, EntryList pr
 }
 
 /// One query an item, on several threads, since the system takes its time for each.
-void lookForObjects(std::vector<Match>& matches, EntryList previous, const ObjectPresence& hasObject) {
+void lookForObjects(std::vector<Match>& matches, EntrySpan previous, const ObjectPresence& hasObject) {
     ParallelWork workers;
     const auto failed = workers.forEachPiece(matches.size(), [&](std::size_t begin, std::size_t end) {
         for (Match& match : std::span(matches).subspan(begin, end - begin))
@@ -143,7 +143,7 @@ void lookForObjects(std::vector<Match>& matches, EntryList previous, const Objec
 
 class Planner {
   public:
-    Planner(std::size_t itemCount, EntryList previous) : previous_(previous), isStillAFile_(previous.size()) {
+    Planner(std::size_t itemCount, EntrySpan previous) : previous_(previous), isStillAFile_(previous.size()) {
         plan_.entries.reserve(itemCount);
     }
 
@@ -193,7 +193,7 @@ class Planner {
                 .source = std::move(item), .objectHash = found->objectHash, .storedSize = found->storedSize});
     }
 
-    EntryList previous_;
+    EntrySpan previous_;
     std::vector<bool> isStillAFile_;
     RunPlan plan_;
 };
@@ -213,12 +213,12 @@ RunPlan planRun(std::vector<SourceEntry> listing, std::span<const Shared<Snapsho
 namespace {
 
 /// Most sources list twice in one order, which needs no table to see.
-bool holdsSameItemsInOrder(EntryList entries, std::span<const SourceEntry> listing) {
+bool holdsSameItemsInOrder(EntrySpan entries, std::span<const SourceEntry> listing) {
     return std::ranges::equal(entries, listing, {},
                               [](const auto& entry) -> const SourceEntry& { return entry->source; });
 }
 
-bool holdsSameItemsInAnyOrder(EntryList entries, std::span<const SourceEntry> listing) {
+bool holdsSameItemsInAnyOrder(EntrySpan entries, std::span<const SourceEntry> listing) {
     const PathIndex byPath(entries);
     std::vector<bool> isListed(entries.size());
     for (const auto& item : listing) {

@@ -11,8 +11,6 @@ namespace marrowbox {
 
 namespace {
 
-constexpr mode_t privateMode = 0700;
-
 /// lstat(2); a failure passes through.
 struct stat statusOf(const fs::path& path) {
     struct stat status{};
@@ -65,7 +63,7 @@ void MountRegistryFolder::ensureDirectories() const {
     const bool isOwn = status && !S_ISLNK(status->st_mode) && isOwnedByCurrentUser(directory_);
     if (status ? !isOwn : isInFolderOfAnother(directory_))
         throw BackupError("Unsafe snapshot mount root was retained.");
-    makeDirectories(workRoot_, privateMode);
+    makeDirectories(workRoot_, 0700);
     for (const fs::path& root : {directory_, workRoot_}) {
         refuseUnsafeRoot(root);
         if (!isOwnedByCurrentUser(root))
@@ -94,7 +92,7 @@ MountRegistry MountRegistryFolder::load() const {
 }
 
 void MountRegistryFolder::save(const MountRegistry& registry) const {
-    makeDirectories(directory_, privateMode);
+    makeDirectories(directory_, 0700);
     writeDurably(registryFile_, encodeMountRegistry(registry));
 }
 

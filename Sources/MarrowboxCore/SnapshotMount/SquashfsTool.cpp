@@ -12,8 +12,6 @@ namespace marrowbox {
 
 namespace {
 
-namespace json = boost::json;
-
 /// FUSE separates options with commas, and takes a backslash before one as an escape.
 std::string asMountOption(const std::string& text) {
     std::string option;
@@ -30,25 +28,25 @@ BackupError refusal(std::string_view sentence) {
 }
 
 /// Paths may hold any byte, and are given as they are.
-json::value parsed(std::string_view output) {
-    json::parse_options options;
+boost::json::value parsed(std::string_view output) {
+    boost::json::parse_options options;
     options.allow_invalid_utf8 = true;
     boost::system::error_code failure;
-    json::value value = json::parse(output, failure, {}, options);
+    boost::json::value value = boost::json::parse(output, failure, {}, options);
     if (failure)
         throw refusal("macOS returned ambiguous disk-image state.");
     return value;
 }
 
-const json::string* text(const json::object& owner, std::string_view key) {
-    const json::value* member = owner.if_contains(key);
+const boost::json::string* text(const boost::json::object& owner, std::string_view key) {
+    const boost::json::value* member = owner.if_contains(key);
     return member != nullptr ? member->if_string() : nullptr;
 }
 
 /// The user who mounted a FUSE file system, as the kernel tells it. None where it is not told.
-std::optional<std::string_view> mountedBy(const json::object& mount) {
+std::optional<std::string_view> mountedBy(const boost::json::object& mount) {
     constexpr std::string_view key = "user_id=";
-    const json::string* options = text(mount, "fs-options");
+    const boost::json::string* options = text(mount, "fs-options");
     std::string_view rest = options != nullptr ? std::string_view(*options) : std::string_view();
     while (!rest.empty()) {
         const auto end = std::min(rest.find(','), rest.size());
@@ -62,21 +60,21 @@ std::optional<std::string_view> mountedBy(const json::object& mount) {
 
 /// Anybody may give a mount of his own the name of an image of ours, which the list of processes shows to
 /// all. A mount that does not tell its user counts, since an image that is attached must never be deleted.
-bool isOfAnotherUser(const json::object& mount, uid_t user) {
+bool isOfAnotherUser(const boost::json::object& mount, uid_t user) {
     const auto found = mountedBy(mount);
     return found && *found != std::to_string(user);
 }
 
 /// The mount as an attachment; none when it is no FUSE mount of the user's, and so no image.
-std::optional<Attachment> attachment(const json::value& line, uid_t user) {
-    const json::object* mount = line.if_object();
-    const json::string* kind = mount != nullptr ? text(*mount, "fstype") : nullptr;
+std::optional<Attachment> attachment(const boost::json::value& line, uid_t user) {
+    const boost::json::object* mount = line.if_object();
+    const boost::json::string* kind = mount != nullptr ? text(*mount, "fstype") : nullptr;
     if (kind == nullptr)
         throw refusal("macOS returned an incomplete disk-image inventory.");
     if ((*kind != "fuse" && !kind->starts_with("fuse.")) || isOfAnotherUser(*mount, user))
         return std::nullopt;
-    const json::string* source = text(*mount, "source");
-    const json::string* target = text(*mount, "target");
+    const boost::json::string* source = text(*mount, "source");
+    const boost::json::string* target = text(*mount, "target");
     if (source == nullptr || source->empty() || target == nullptr || target->empty())
         throw refusal("macOS returned an incomplete disk-image inventory.");
     return Attachment{.image = std::string_view(*source), .mountPoint = std::string_view(*target)};
@@ -155,14 +153,14 @@ ToolCommand SquashfsTool::openFilesQuery(const fs::path& folder) const {
 }
 
 std::vector<Attachment> SquashfsTool::inventory(std::string_view output, uid_t user) {
-    const json::value answer = parsed(output);
-    const json::object* root = answer.if_object();
-    const json::value* member = root != nullptr ? root->if_contains("filesystems") : nullptr;
-    const json::array* mounts = member != nullptr ? member->if_array() : nullptr;
+    const boost::json::value answer = parsed(output);
+    const boost::json::object* root = answer.if_object();
+    const boost::json::value* member = root != nullptr ? root->if_contains("filesystems") : nullptr;
+    const boost::json::array* mounts = member != nullptr ? member->if_array() : nullptr;
     if (mounts == nullptr)
         throw refusal("macOS returned ambiguous disk-image state.");
     std::vector<Attachment> attachments;
-    for (const json::value& line : *mounts)
+    for (const boost::json::value& line : *mounts)
         if (auto mount = attachment(line, user))
             attachments.push_back(std::move(*mount));
     return attachments;
