@@ -40,6 +40,10 @@ endif()
 if(MARROWBOX_SANITIZE MATCHES thread)
   # Asio's own counters end with a fence, which the thread sanitizer does not see; the others it may use do not.
   target_compile_definitions(marrowboxBuildSettings INTERFACE BOOST_ASIO_DISABLE_STD_ATOMIC)
+  # For tests that use Qt. It is not built with the sanitizer, which sees neither its locks nor what they order: what Qt
+  # does by itself, and what is called from within it, is not looked at.
+  set(environmentBesideQt
+    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/Tests/tsan.suppressions:ignore_noninstrumented_modules=1")
 endif()
 
 # Gives a target an include path on which only its own folder stands, under its own name. A target sees the
