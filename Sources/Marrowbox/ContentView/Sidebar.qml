@@ -74,6 +74,7 @@ Rectangle {
             Layout.fillHeight: true
             label: qsTr("Backups")
             model: root.units
+            Accessible.ignored: count === 0
             currentIndex: root.units.selectedRow
             onCurrentItemChanged: if (activeFocus && currentItem)
                 currentItem.forceActiveFocus(Qt.TabFocusReason)

@@ -31,7 +31,7 @@ ColumnLayout {
 
         ActivityList {
             Layout.fillWidth: true
-            model: root.model.activity
+            model: activity.expanded ? root.model.activity : null // nobody sees rows of a closed one
         }
     }
 

@@ -5,7 +5,7 @@ import Marrowbox.Appearance
 import Marrowbox.ContentView
 
 // The page of a backup. Its history may be of any length, so the page scrolls as a whole while only those rows exist that are
-// in sight: the list of rows is as high as the view, and moves through the page with it.
+// in sight or near: the list of rows is as high as what is seen of it, at least a row, and moves through the page with the view.
 ScrollPane {
     id: root
 
@@ -43,17 +43,17 @@ ScrollPane {
     HistoryList {
         id: history
 
-        readonly property real most: Math.max(0, root.rowsHeight - height)
-        readonly property real offset: Math.max(0, Math.min(most, root.contentY - root.rowsTop))
+        readonly property real from: Math.max(0, Math.min(root.rowsHeight - rowHeight, root.contentY - root.rowsTop))
+        readonly property real to: Math.max(from + rowHeight, Math.min(root.rowsHeight, root.contentY + root.height - root.rowsTop))
 
         x: root.contentMargin
-        y: root.rowsTop + offset
+        y: root.rowsTop + from
         width: root.width - x * 2
-        height: Math.min(root.height, root.rowsHeight)
+        height: to - from
         visible: count > 0
         model: root.model.history
         isExploring: root.model.page.isExploring
-        place: offset
+        place: from
         onCurrentIndexChanged: if (activeFocus)
             root.showRow(currentIndex)
     }

@@ -39,6 +39,7 @@ MainWindow::MainWindow(std::shared_ptr<AppStore> store, Quitting& quitting, cons
     engine_->setInitialProperties({{"model", QVariant::fromValue(&models_->window)},
                                    {"screens", QVariant::fromValue(&models_->screens)},
                                    {"quitting", QVariant::fromValue(&quitting)}});
+    engine_->setIncubationController(&spareTime_); // before a window sets its own
     engine_->load(screens);
     if (engine_->rootObjects().isEmpty())
         throw std::runtime_error("The window could not be made.");

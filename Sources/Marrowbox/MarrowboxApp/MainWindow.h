@@ -2,6 +2,7 @@
 
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/MarrowboxApp/Quitting.h"
+#include "Marrowbox/MarrowboxApp/SpareTime.h"
 #include "Marrowbox/Platform/DesktopAppearance.h"
 
 #include <QIcon>
@@ -39,6 +40,7 @@ class MainWindow : public QObject {
     struct Models;
 
     std::unique_ptr<Models> models_;
+    SpareTime spareTime_;
     std::unique_ptr<QQmlApplicationEngine> engine_;
     QQuickWindow* window_ = nullptr; ///< The engine's.
     std::function<bool()> isReachableElsewhere_;

@@ -3,6 +3,7 @@
 #include "Platform/HostTimeZone.h"
 #include "Platform/UserLocale.h"
 
+#include <algorithm>
 #include <array>
 #include <mutex>
 #include <stdexcept>
@@ -71,6 +72,21 @@ std::array<SizeUnit, 6> sizeUnits() {
              {MeasureUnit::getPetabyte(), UNUM_UNIT_WIDTH_SHORT, 2, 100}}};
 }
 
+using SizeFormats = std::array<icu::number::LocalizedNumberFormatter, 6>;
+
+/// One for each unit. Setting one up takes a hundred times as long as a number does.
+SizeFormats sizeFormats(const icu::Locale& locale) {
+    SizeFormats formats;
+    std::ranges::transform(sizeUnits(), formats.begin(), [&](const SizeUnit& size) {
+        return icu::number::NumberFormatter::withLocale(locale)
+            .unit(size.unit)
+            .unitWidth(size.width)
+            .precision(icu::number::Precision::maxFraction(size.fractionDigits))
+            .roundingMode(UNUM_ROUND_HALFUP);
+    });
+    return formats;
+}
+
 std::uint64_t magnitude(std::int64_t number) {
     const auto bits = static_cast<std::uint64_t>(number);
     return number < 0 ? 0 - bits : bits;
@@ -81,13 +97,15 @@ std::uint64_t magnitude(std::int64_t number) {
 struct Formats::Implementation {
     /// A date format prepares itself further while it is used.
     mutable std::mutex mutex;
-    icu::Locale locale;
     std::unique_ptr<icu::DateFormat> dateAndTime;
     std::unique_ptr<icu::DateFormat> time;
+    SizeFormats sizes;
 
-    Implementation(const icu::TimeZone& zone, const std::string& localeName)
-        : locale(icu::Locale::createFromName(localeName.c_str())),
-          dateAndTime(dateFormat("yMMMdjmm", locale, zone)), time(dateFormat("jmm", locale, zone)) {}
+    Implementation(const icu::TimeZone& zone, const icu::Locale& locale)
+        : dateAndTime(dateFormat("yMMMdjmm", locale, zone)), time(dateFormat("jmm", locale, zone)),
+          sizes(sizeFormats(locale)) {}
+    Implementation(const icu::TimeZone& zone, const std::string& locale)
+        : Implementation(zone, icu::Locale::createFromName(locale.c_str())) {}
 };
 
 Formats::Formats(std::shared_ptr<const Implementation> implementation)
@@ -123,12 +141,7 @@ std::string Formats::byteCount(std::int64_t bytes) const {
         ++index;
     }
     UErrorCode status = U_ZERO_ERROR;
-    const auto number = icu::number::NumberFormatter::withLocale(implementation_->locale)
-                            .unit(units[index].unit)
-                            .unitWidth(units[index].width)
-                            .precision(icu::number::Precision::maxFraction(units[index].fractionDigits))
-                            .roundingMode(UNUM_ROUND_HALFUP)
-                            .formatDouble(double(bytes) / double(scale), status);
+    const auto number = implementation_->sizes[index].formatDouble(double(bytes) / double(scale), status);
     const icu::UnicodeString text = number.toString(status);
     requireSuccess(status);
     return utf8(text);

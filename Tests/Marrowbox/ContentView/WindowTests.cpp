@@ -61,6 +61,7 @@ TEST(Window, hasNoListWithoutABackup) {
     world.show();
     EXPECT_TRUE(world.screen->shows("A Google Drive folder.\nA place to keep it safe."));
     EXPECT_FALSE(world.screen->shows("BACKUPS"));
+    EXPECT_FALSE(world.screen->shows("Backups"));
     EXPECT_FALSE(world.screen->shows("New backup"));
     world.screen->click("Settings");
     EXPECT_TRUE(*world.state().showSettings);

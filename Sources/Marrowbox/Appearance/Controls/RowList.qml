@@ -24,5 +24,7 @@ ListView {
     Accessible.role: Accessible.List
     Accessible.name: label
 
-    T.ScrollBar.vertical: ThinScrollBar {}
+    T.ScrollBar.vertical: ThinScrollBar {
+        policy: root.interactive ? T.ScrollBar.AsNeeded : T.ScrollBar.AlwaysOff
+    }
 }
