@@ -2,6 +2,11 @@
 
 set(MARROWBOX_SANITIZE "" CACHE STRING "Sanitizers for the whole build, as Clang names them")
 
+set(secondsForEveryScreen 900) # a test that goes through all of them in one process
+if(MARROWBOX_SANITIZE)
+  set(secondsForEveryScreen 3600)
+endif()
+
 find_package(Threads REQUIRED)
 find_package(OpenSSL REQUIRED)
 find_package(CURL REQUIRED)
