@@ -2,6 +2,11 @@
 
 set(MARROWBOX_SANITIZE "" CACHE STRING "Sanitizers for the whole build, as Clang names them")
 
+set(secondsForEveryScreen 900) # a test that goes through all of them in one process
+if(MARROWBOX_SANITIZE)
+  set(secondsForEveryScreen 3600)
+endif()
+
 find_package(Threads REQUIRED)
 find_package(OpenSSL REQUIRED)
 find_package(CURL REQUIRED)
@@ -42,6 +47,10 @@ endif()
 if(MARROWBOX_SANITIZE MATCHES thread)
   # Asio's own counters end with a fence, which the thread sanitizer does not see; the others it may use do not.
   target_compile_definitions(marrowboxBuildSettings INTERFACE BOOST_ASIO_DISABLE_STD_ATOMIC)
+  # For tests that use Qt. It is not built with the sanitizer, which sees neither its locks nor what they order: what Qt
+  # does by itself, and what is called from within it, is not looked at.
+  set(environmentBesideQt
+    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/Tests/tsan.suppressions:ignore_noninstrumented_modules=1")
 endif()
 
 # Lets the sanitizers' builds take a target's sources some at a time as one: what headers and templates cost is then

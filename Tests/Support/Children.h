@@ -10,7 +10,8 @@
 
 namespace marrowbox::test {
 
-/// True when this process has no child at all, ended ones that nobody reaped included.
+/// True when this process has no child at all, ended ones that nobody reaped included; that of a sanitizer's
+/// own apart.
 bool hasNoChild();
 
 /// How many descriptors this process has open.

@@ -134,23 +134,23 @@ TEST(ActionButton, shrinksWhilePressedUnlessMotionIsReduced) {
 }
 
 TEST(ActionButton, changesItsSurfaceGraduallyUnlessMotionIsReduced) {
-    const auto border = [](Screen& screen) {
-        const QQuickItem* const edge = surfaceOf(screen)->childItems().constFirst();
-        return qvariant_cast<QObject*>(edge->property("border"))->property("color").value<QColor>().alphaF();
-    };
-    const auto overlay = [](Screen& screen) {
-        return surfaceOf(screen)->childItems().constFirst()->property("color").value<QColor>().alphaF();
-    };
     Screen screen(buttonWith("emphasis: ActionButton.Primary; down: false"));
     AppearanceState::of(screen.engine())->setReducedMotion(false);
-    screen.item("Go")->setProperty("down", true);
-    EXPECT_LT(border(screen), 0.01F);
-    EXPECT_LT(overlay(screen), 0.01F);
-    EXPECT_TRUE(screen.comesTo([&] { return border(screen) > 0.37F && overlay(screen) > 0.15F; }));
+    // Found beforehand: the surface goes on changing while it is looked for.
+    QQuickItem* const button = screen.item("Go");
+    const QQuickItem* const edge = surfaceOf(screen)->childItems().constFirst();
+    const auto border = [edge] {
+        return qvariant_cast<QObject*>(edge->property("border"))->property("color").value<QColor>().alphaF();
+    };
+    const auto overlay = [edge] { return edge->property("color").value<QColor>().alphaF(); };
+    button->setProperty("down", true);
+    EXPECT_LT(border(), 0.01F);
+    EXPECT_LT(overlay(), 0.01F);
+    EXPECT_TRUE(screen.comesTo([&] { return border() > 0.37F && overlay() > 0.15F; }));
     AppearanceState::of(screen.engine())->setReducedMotion(true);
-    screen.item("Go")->setProperty("down", false);
-    EXPECT_LT(border(screen), 0.01F);
-    EXPECT_LT(overlay(screen), 0.01F);
+    button->setProperty("down", false);
+    EXPECT_LT(border(), 0.01F);
+    EXPECT_LT(overlay(), 0.01F);
 }
 
 TEST(ActionButton, handsTheFocusOnWhenItVanishes) {

@@ -42,8 +42,9 @@ void ScriptedDrive::fail(const std::string& place, const std::string& sentence) 
 void ScriptedDrive::letGo(const std::string& place) {
     held_.erase(place);
     const auto [begin, end] = waiting_.equal_range(place);
-    for (auto gate = begin; gate != end; ++gate)
-        gate->second->cancel();
+    for (auto waiting = begin; waiting != end; ++waiting)
+        if (const auto gate = waiting->second.lock())
+            gate->cancel();
     waiting_.erase(begin, end);
 }
 
@@ -60,7 +61,8 @@ asio::awaitable<HTTPResponse> ScriptedDrive::answer(std::shared_ptr<const HTTPRe
     const std::string place = placeOf(request->url);
     asked_.push_back(place);
     if (held_.contains(place)) {
-        auto gate = std::make_shared<asio::steady_timer>(context_, asio::steady_timer::time_point::max());
+        const auto gate =
+            std::make_shared<asio::steady_timer>(context_, asio::steady_timer::time_point::max());
         waiting_.emplace(place, gate);
         boost::system::error_code ended;
         co_await gate->async_wait(asio::redirect_error(asio::use_awaitable, ended));

@@ -48,7 +48,7 @@ class ScriptedDrive {
     std::map<std::string, std::vector<DriveFile>> folders_;
     std::map<std::string, std::string> failures_;
     std::set<std::string> held_;
-    std::multimap<std::string, std::shared_ptr<asio::steady_timer>> waiting_;
+    std::multimap<std::string, std::weak_ptr<asio::steady_timer>> waiting_; ///< Each belongs to its answer.
     std::vector<std::string> asked_;
     GoogleAccount signingIn_;
 };
