@@ -3,10 +3,10 @@
 // there are many.
 #include "PowerCutScene.h"
 #include "Support/ScratchFolder.h"
+#include "Support/Spread.h"
 
 #include <climits>
 #include <csignal>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <sys/wait.h>
@@ -49,7 +49,7 @@ TEST_P(PowerCuts, leaveWhatServesTheNextUser) {
     for (const PowerCutStep& step : GetParam().steps)
         record(step, recording);
     PowerCutMoments moments = GetParam().moments;
-    if (std::getenv("MARROWBOX_EVERY_MOMENT") != nullptr)
+    if (triesEveryMoment())
         moments.atMost = INT_MAX;
     const PowerCutCount count = cutPowerEverywhere(recording, moments, [&](const LeftByPowerCut& left) {
         SCOPED_TRACE("cut " + left.words);

@@ -3,12 +3,12 @@
 // otherwise some are left out.
 #include "Models/JSONFile.h"
 #include "StoreWorld.h"
+#include "Support/Spread.h"
 #include "Support/StorageRecording.h"
 #include "Support/WatchedProgram.h"
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <set>
@@ -48,7 +48,7 @@ class PowerCutStore : public testing::Test {
 
     /// Cuts the power at so many moments, or at all, and starts the program on what is left.
     void cutPower(const StorageRecording& recording, int atMost) {
-        const bool all = std::getenv("MARROWBOX_EVERY_MOMENT") != nullptr;
+        const bool all = test::triesEveryMoment();
         const PowerCutMoments moments{.atMost = all ? INT_MAX : atMost};
         const PowerCutCount count = cutPowerEverywhere(recording, moments, [&](const LeftByPowerCut& left) {
             SCOPED_TRACE("cut " + left.words);
