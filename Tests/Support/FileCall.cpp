@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <string>
+#include <sys/file.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -133,6 +134,9 @@ std::optional<FileCall> readFileCall(const seccomp_data& registers, pid_t thread
     if (shape == shapes.end())
         return std::nullopt;
     if (shape->openFlags != none && (registers.args[shape->openFlags] & (O_CREAT | O_TRUNC)) == 0)
+        return std::nullopt;
+    // Letting go of a lock changes nothing that closing the file would not.
+    if (shape->number == SYS_flock && registers.args[1] == LOCK_UN)
         return std::nullopt;
     FileCall call{.name = shape->name, .path = pathAt(shape->path, registers, thread), .target = {}};
     if (shape->target.text != none)
