@@ -2,7 +2,7 @@
 
 set(MARROWBOX_SANITIZE "" CACHE STRING "Sanitizers for the whole build, as Clang names them")
 
-set(secondsForEveryScreen 900) # a test that goes through all of them in one process
+set(secondsForEveryScreen 600) # a test that goes through all of them in one process
 if(MARROWBOX_SANITIZE)
   set(secondsForEveryScreen 3600)
 endif()
