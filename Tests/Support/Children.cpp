@@ -1,6 +1,7 @@
 #include "Support/Children.h"
 
 #include "Platform/Files.h"
+#include "Support/SanitizedBuild.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -52,7 +53,7 @@ bool hasNoChild() {
     siginfo_t child{};
     if (::waitid(P_ALL, 0, &child, WEXITED | WNOHANG | WNOWAIT) != 0 && errno == ECHILD)
         return true;
-    return hasOnlyThatOfASanitizer();
+    return isSanitized && hasOnlyThatOfASanitizer();
 }
 
 std::size_t openDescriptorCount() {

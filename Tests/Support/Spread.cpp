@@ -1,20 +1,12 @@
 #include "Support/Spread.h"
 
+#include "Support/SanitizedBuild.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
 namespace marrowbox::test {
-
-namespace {
-
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool isSanitized = true;
-#else
-constexpr bool isSanitized = false;
-#endif
-
-} // namespace
 
 bool triesEveryMoment() {
     return std::getenv("MARROWBOX_EVERY_MOMENT") != nullptr;
