@@ -135,10 +135,9 @@ std::optional<FileCall> readFileCall(const seccomp_data& registers, pid_t thread
         return std::nullopt;
     if (shape->openFlags != none && (registers.args[shape->openFlags] & (O_CREAT | O_TRUNC)) == 0)
         return std::nullopt;
-    // Letting go of a lock changes nothing that closing the file would not.
-    if (shape->number == SYS_flock && registers.args[1] == LOCK_UN)
-        return std::nullopt;
     FileCall call{.name = shape->name, .path = pathAt(shape->path, registers, thread), .target = {}};
+    if (shape->number == SYS_flock && registers.args[1] == LOCK_UN)
+        call.name = "unlock";
     if (shape->target.text != none)
         call.target = pathAt(shape->target, registers, thread);
     return call;

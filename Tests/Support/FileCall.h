@@ -11,7 +11,7 @@ namespace marrowbox::test {
 
 /// A system call that changes files, as another program makes it.
 struct FileCall {
-    std::string_view name;
+    std::string_view name;        ///< The system's own, but "unlock" for letting go of a lock.
     std::filesystem::path path;   ///< What it changes; absolute, links not followed.
     std::filesystem::path target; ///< Where it moves or links that to; empty for every other call.
     bool wasHeld = false;         ///< It is asked about again, after it has waited.

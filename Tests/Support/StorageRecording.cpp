@@ -25,7 +25,7 @@ bool synchronizes(const FileCall& call) {
 
 /// Calls that leave names and bytes as they are.
 bool isWithoutEffect(const FileCall& call) {
-    return isOneOf(call.name, {"sync_file_range", "flock", "chmod", "fchmod", "fchmodat"});
+    return isOneOf(call.name, {"sync_file_range", "flock", "unlock", "chmod", "fchmod", "fchmodat"});
 }
 
 Kind kindOf(const FileCall& call) {
