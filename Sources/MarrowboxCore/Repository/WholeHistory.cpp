@@ -124,6 +124,8 @@ WholeHistory::WholeHistory(const BackupRepository& repository, Date cutoff)
 WholeHistory::WholeHistory(const BackupRepository& repository, Date cutoff, Files files,
                            std::span<const Shared<SnapshotEntry>> likely)
     : cutoff_(cutoff) {
+    if (files.empty())
+        return;
     const std::size_t processors = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, 4);
     const std::size_t count = std::clamp<std::size_t>(files.size() / fewestFiles, 1, processors);
     for (std::size_t index = 0; index < count; ++index)
