@@ -136,6 +136,13 @@ TEST(ProgressLine, tellsItsPercentageInItsDescription) {
     EXPECT_EQ(screen.description("Backing up"), "Under way");
 }
 
+TEST(Banner, hasAsMuchRoomBelowItsTextAsAbove) {
+    Screen screen(R"(Item {
+        property real beside: banner.implicitHeight - Appearance.mediumIcon - Appearance.gap * 2
+        Banner { id: banner; text: "It is gone." } })");
+    EXPECT_DOUBLE_EQ(screen.value("beside").toDouble(), 0) << "an ordinary line is lower than the symbol";
+}
+
 TEST(Banner, tellsItselfAndActs) {
     Screen screen(R"(Item { property int acted: 0
         Banner { width: parent.width; text: "It is gone."; action: "Retry"; onActed: parent.acted += 1 } })");

@@ -44,24 +44,21 @@ Rectangle {
             Layout.fillWidth: true
             spacing: Appearance.hairGap
 
-            Text {
+            Words {
                 Layout.fillWidth: true
                 visible: text !== ""
                 text: root.title
-                textFormat: Text.PlainText
                 font: Appearance.strong
-                color: Appearance.text
                 wrapMode: Text.Wrap
+                lineHeight: 1
+                Accessible.ignored: true
             }
 
-            Text {
+            Words {
                 Layout.fillWidth: true
                 text: root.text
-                textFormat: Text.PlainText
-                font: Appearance.body
-                color: Appearance.text
-                lineHeight: Appearance.lineHeight
                 wrapMode: Text.Wrap
+                Accessible.ignored: true
             }
         }
 
