@@ -1,15 +1,16 @@
 // All that a backup does, beside restic and borg on the same tree, and beside `rclone copy` on the road from
 // a drive service to the disk. A table, without bars.
 //
-//     bench-peers [FILES [RUNS]]       2,000 small files and 5 runs unless told otherwise
+//     bench-peers [FILES [RUNS]]       2,000 small files and 5 runs unless told otherwise: 6 GB of room
 //
 // Each job is a process of its own, measured from its start to its end with the most memory that it held. The
 // programs take turns at each job, in another order in each run; the tree is in the page cache, and nothing
-// waits to be written when one begins. What differs: ours gets the files from a source, which walks the tree
-// as the others do, but is asked twice, since a run proves that its source held still, and copies each file
-// to where it is verified and moved into the store. It knows the MD5 digests beforehand, as a drive service
-// tells them, and verifies them. restic encrypts, which cannot be switched off; borg does not here. Both
-// compress by default, and find nothing to compress.
+// waits to be written when one begins. What they made stays until the end, since a file system may take its
+// time to give new files the places of those that were removed just before. What differs: ours gets the files
+// from a source, which walks the tree as the others do, but is asked twice, since a run proves that its
+// source held still, and copies each file to where it is verified and moved into the store. It knows the MD5
+// digests beforehand, as a drive service tells them, and verifies them. restic encrypts, which cannot be
+// switched off; borg does not here. Both compress by default, and find nothing to compress.
 #include "Measuring/Peers.h"
 #include "Beside/DriveRoad.h"
 #include "Beside/LocalTree.h"
@@ -114,10 +115,8 @@ class Round {
 
     /// Throws when a program has not brought back every byte.
     void proveRestored(const fs::path& tree) {
-        for (const Program& program : programs_) {
+        for (const Program& program : programs_)
             bench::runCommand("diff -r " + bench::quoted(tree) + " " + bench::quoted(program.target));
-            fs::remove_all(program.target);
-        }
     }
 
   private:
@@ -135,7 +134,7 @@ void measurePrograms(const fs::path& scratch, const bench::TreeShape& shape, int
     bench::Table table({"Marrowbox", "restic", "borg"});
     for (int number = 0; number < rounds; ++number) {
         showProgress("Backup programs: run " + std::to_string(number + 1));
-        const fs::path folder = scratch / "round";
+        const fs::path folder = scratch / ("round-" + std::to_string(number));
         Round round(folder, tree, number, table);
         round.measure("first backup", &Program::first);
         round.measure("nothing changed", &Program::unchanged);
@@ -146,7 +145,6 @@ void measurePrograms(const fs::path& scratch, const bench::TreeShape& shape, int
         tree.changeOneIn(5);
         round.runUnmeasured(&Program::later);
         round.measure("prune", &Program::prune);
-        fs::remove_all(folder);
     }
     showProgress("");
     table.print();
@@ -154,20 +152,21 @@ void measurePrograms(const fs::path& scratch, const bench::TreeShape& shape, int
 
 void measureRoad(const fs::path& scratch, const bench::DriveRoad::Shape& shape, int rounds) {
     const bench::DriveRoad road(scratch / "services", shape);
-    const fs::path target = scratch / "fetched";
-    const std::vector<std::pair<std::string, std::string>> contenders{
-        {"Marrowbox", road.backup(target)},
-        {"rclone copy", road.copy(target, "")},
-        {"rclone, unpaced", road.copy(target, "--drive-pacer-min-sleep 1ms")}};
+    const std::vector<std::pair<std::string, std::function<std::string(const fs::path&)>>> contenders{
+        {"Marrowbox", [&](const fs::path& target) { return road.backup(target); }},
+        {"rclone copy", [&](const fs::path& target) { return road.copy(target, ""); }},
+        {"rclone, unpaced",
+         [&](const fs::path& target) { return road.copy(target, "--drive-pacer-min-sleep 1ms"); }}};
     bench::Table table({"Marrowbox", "rclone copy", "rclone, unpaced"});
     for (int round = 0; round < rounds; ++round)
         for (std::size_t turn = 0; turn < contenders.size(); ++turn) {
             showProgress("From Drive to disk: run " + std::to_string(round + 1));
             const auto& [name, command] =
                 contenders[(turn + static_cast<std::size_t>(round)) % contenders.size()];
+            const fs::path target =
+                scratch / ("fetched-" + std::to_string(round) + "-" + std::to_string(turn));
             ::sync();
-            table.add("first backup", name, bench::costOf(command));
-            fs::remove_all(target);
+            table.add("first backup", name, bench::costOf(command(target)));
         }
     showProgress("");
     table.print();

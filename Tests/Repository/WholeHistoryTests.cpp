@@ -62,7 +62,7 @@ EntrySet entriesOf(std::span<const Snapshot> snapshots) {
 
 TEST(WholeHistory, saysTheSameAsTheOrdinaryReading) {
     const TestRepository repository;
-    const std::vector<Snapshot> published = publishChangingHistory(repository);
+    std::vector<Snapshot> published = publishChangingHistory(repository);
     const WholeHistory history(*repository, {0});
     ASSERT_EQ(history.items().size(), published.size());
     ASSERT_EQ(repository->snapshots(), published);
@@ -71,6 +71,12 @@ TEST(WholeHistory, saysTheSameAsTheOrdinaryReading) {
         EXPECT_EQ(history.items()[index].completedAt, published[index].completedAt);
     }
     EXPECT_EQ(entriesOf(history), entriesOf(published));
+    // The latest as well, whatever form it is written in: no date is seen at a glance in those of every
+    // ninth.
+    for (; !published.empty(); published.pop_back()) {
+        EXPECT_EQ(repository->latestSnapshot({}), published.back()) << published.size();
+        fs::remove(repository->manifest(published.back().id));
+    }
 }
 
 TEST(WholeHistory, retainsWhatCompletedFromTheCutoffOnAndTheLatest) {
@@ -107,6 +113,7 @@ TEST(WholeHistory, isRefusedForWhateverIsWrongInOneManifest) {
         JSONFile::write(snapshot, repository->manifest(snapshot.id));
         const auto ordinary = thrown<BackupError>([&] { repository->snapshots(); });
         EXPECT_EQ(thrown<BackupError>([&] { WholeHistory(*repository, {0}); }), ordinary);
+        EXPECT_EQ(thrown<BackupError>([&] { repository->latestSnapshot({}); }), ordinary);
         return ordinary;
     };
     EXPECT_EQ(damage([](Snapshot& snapshot) { snapshot.schemaVersion = 2; }),

@@ -3,14 +3,19 @@
 #include "Repository/BackupRepository.h"
 #include "Repository/ManifestChecks.h"
 #include "Repository/ManifestReader.h"
+#include "Repository/WholeHistory.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace marrowbox {
 
 namespace {
 
 using EntryList = std::vector<Shared<SnapshotEntry>>;
+
+/// Nothing completes as late.
+constexpr Date never{std::numeric_limits<double>::infinity()};
 
 bool liesBefore(const Shared<SnapshotEntry>& left, const Shared<SnapshotEntry>& right) {
     return left->source.path < right->source.path;
@@ -79,17 +84,18 @@ std::vector<Snapshot> BackupRepository::snapshots() const {
 
 std::optional<Snapshot> BackupRepository::latestSnapshot(std::span<const SourceEntry> sharedWith) const {
     validate();
+    std::vector<fs::path> files = manifestFilesByDate(*this);
+    if (files.empty())
+        return std::nullopt;
     HistoryReader reader(*this, sharedWith);
-    std::optional<Snapshot> latest;
-    for (const auto& file : manifestFiles(*this)) {
-        std::span<const Shared<SnapshotEntry>> likely;
-        if (latest)
-            likely = latest->entries;
-        Snapshot snapshot = reader.read(file, likely);
-        // Of equal dates the one that is read later counts as later.
-        if (!latest || snapshot.completedAt >= latest->completedAt)
-            latest = std::move(snapshot);
-    }
+    const fs::path last = std::move(files.back());
+    files.pop_back();
+    Snapshot latest = reader.read(last, {});
+    // Of the others only the dates are of use, and that nothing is wrong with any of them.
+    const WholeHistory others(*this, never, files, latest.entries);
+    const auto& items = others.items();
+    if (!items.empty() && items.back().completedAt > latest.completedAt)
+        latest = reader.read(manifest(items.back().id), latest.entries);
     return latest;
 }
 

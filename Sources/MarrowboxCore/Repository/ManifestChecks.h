@@ -10,6 +10,9 @@ namespace marrowbox {
 
 /// The manifests of a repository, in the order of its file system.
 std::vector<fs::path> manifestFiles(const BackupRepository& repository);
+/// The same in the order in which their runs completed, in which each is most like the one before; those of
+/// one moment as they come. What cannot be read, and what this program has not written, stands anywhere.
+std::vector<fs::path> manifestFilesByDate(const BackupRepository& repository);
 
 /// What every manifest has to stand, its paths apart. Each fan-out folder is looked at once. It lives for one
 /// reading of a history; the repository must outlive it. Not safe to share between threads.

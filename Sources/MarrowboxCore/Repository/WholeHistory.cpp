@@ -26,35 +26,13 @@ using Files = std::span<const fs::path>;
 /// Fewer are not worth another thread, which has to read the first of its manifests without a model.
 constexpr std::size_t fewestFiles = 16;
 
-/// When a manifest's run probably completed.
-double guessedDate(const fs::path& file) noexcept {
-    try {
-        std::array<char, WrittenManifest::longestHead> head{};
-        return WrittenManifest::dateIn({head.data(), readSome(openPlainFile(file), head)});
-    } catch (const std::exception&) {
-        return 0; // whoever reads it all will tell
-    }
-}
-
-/// Manifests in the order of their dates, in which each is most like the one before.
-std::vector<fs::path> inOrder(const std::vector<fs::path>& files) {
-    std::vector<std::pair<double, std::size_t>> dates;
-    for (std::size_t index = 0; index < files.size(); ++index)
-        dates.emplace_back(guessedDate(files[index]), index);
-    std::ranges::sort(dates);
-    std::vector<fs::path> ordered;
-    for (const auto& [date, index] : dates)
-        ordered.push_back(files[index]);
-    return ordered;
-}
-
 } // namespace
 
 /// Some manifests that are read one after the other.
 class WholeHistory::Part {
   public:
-    Part(const BackupRepository& repository, Date cutoff)
-        : cutoff_(cutoff), checks_(repository), reader_({}) {}
+    Part(const BackupRepository& repository, Date cutoff, std::span<const Shared<SnapshotEntry>> likely)
+        : cutoff_(cutoff), checks_(repository), reader_({}), expected_(likely.begin(), likely.end()) {}
 
     void read(Files files) {
         for (const auto& file : files) {
@@ -139,17 +117,24 @@ class WholeHistory::Part {
     std::optional<Content> latestExpired_;
 };
 
-WholeHistory::WholeHistory(const BackupRepository& repository, Date cutoff) : cutoff_(cutoff) {
-    const std::vector<fs::path> files = inOrder(manifestFiles(repository));
+WholeHistory::WholeHistory(const BackupRepository& repository, Date cutoff)
+    : WholeHistory(repository, cutoff, manifestFilesByDate(repository), {}) {
+}
+
+WholeHistory::WholeHistory(const BackupRepository& repository, Date cutoff, Files files,
+                           std::span<const Shared<SnapshotEntry>> likely)
+    : cutoff_(cutoff) {
+    if (files.empty())
+        return;
     const std::size_t processors = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, 4);
     const std::size_t count = std::clamp<std::size_t>(files.size() / fewestFiles, 1, processors);
     for (std::size_t index = 0; index < count; ++index)
-        parts_.push_back(std::make_unique<Part>(repository, cutoff));
+        parts_.push_back(std::make_unique<Part>(repository, cutoff, likely));
     ParallelWork workers;
     const auto failed = workers.forEach(count, [&](std::size_t index) {
         const std::size_t begin = files.size() * index / count;
         const std::size_t end = files.size() * (index + 1) / count;
-        parts_[index]->read(Files(files).subspan(begin, end - begin));
+        parts_[index]->read(files.subspan(begin, end - begin));
     });
     if (failed)
         std::rethrow_exception(failed->failure);

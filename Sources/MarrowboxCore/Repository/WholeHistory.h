@@ -6,14 +6,15 @@
 #include "Repository/BackupRepository.h"
 
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace marrowbox {
 
-/// All of a repository's snapshots for a pruning, read and verified as BackupRepository::snapshots does it,
-/// and with the same failures, but much faster: several manifests at a time, each against the text of one
-/// that is most like it. What it holds grows with what changed in the time that is retained, not with the
-/// number of snapshots times their files.
+/// All of a repository's snapshots, read and verified as BackupRepository::snapshots does it, and with the
+/// same failures, but much faster: several manifests at a time, each against the text of one that is most
+/// like it. What it holds grows with what changed in the time that is retained, not with the number of
+/// snapshots times their files.
 class WholeHistory {
   public:
     struct Item {
@@ -23,6 +24,10 @@ class WholeHistory {
 
     /// Retained is what completed at the cutoff or later, and the latest however old it is.
     WholeHistory(const BackupRepository& repository, Date cutoff);
+    /// The same of the given manifests alone, in the order of manifestFilesByDate. Most of them probably
+    /// repeat the likely entries, which are in the order of their paths.
+    WholeHistory(const BackupRepository& repository, Date cutoff, std::span<const fs::path> files,
+                 std::span<const Shared<SnapshotEntry>> likely);
     ~WholeHistory();
 
     /// Oldest first.
