@@ -53,6 +53,7 @@ void expectDurableObjects(const Destination& destination, int generation, const 
         if (publishes(call)) {
             ++published;
             manifest = call.target;
+            EXPECT_TRUE(storage.holds(call.path)) << "the bytes come before the name";
             for (const fs::path& object : objectsOf(destination)) {
                 EXPECT_TRUE(durable.contains(object) || storage.holds(object)) << object;
                 EXPECT_TRUE(durable.contains(object) || storage.holds(object.parent_path())) << object;
