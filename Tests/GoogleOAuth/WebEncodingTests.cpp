@@ -19,19 +19,6 @@ TEST(WebEncoding, keepsAnEmptyValue) {
     EXPECT_EQ(WebEncoding::form({{"code", ""}}), "code=");
 }
 
-TEST(WebEncoding, leavesExactlyTheUnreservedCharacters) {
-    std::string kept;
-    for (int byte = 0; byte < 256; ++byte) {
-        std::string encoded;
-        WebEncoding::appendPercentEncoded(std::string(1, static_cast<char>(byte)), encoded);
-        if (encoded.size() == 1)
-            kept += encoded;
-        else
-            EXPECT_EQ(encoded.size(), 3U) << byte;
-    }
-    EXPECT_EQ(kept, "-.0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz~");
-}
-
 TEST(WebEncoding, escapesTheBytesOfUnicode) {
     EXPECT_EQ(WebEncoding::form({{"ä", "+/%"}}), "%C3%A4=%2B%2F%25");
 }

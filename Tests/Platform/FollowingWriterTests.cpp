@@ -8,9 +8,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <pthread.h>
 #include <set>
 #include <string>
 #include <system_error>
+#include <thread>
 
 namespace marrowbox {
 
@@ -32,6 +34,28 @@ void write(FollowingWriter& writer, int count, const std::string& text) {
         buffer = writer.exchange(std::move(buffer), text.size());
     }
 }
+
+/// While it lives no thread can be had: each would want a stack larger than the address space.
+class NoThreads {
+  public:
+    NoThreads() {
+        pthread_getattr_default_np(&before_);
+        pthread_attr_t greedy;
+        pthread_attr_init(&greedy);
+        pthread_attr_setstacksize(&greedy, std::size_t{1} << 48);
+        pthread_setattr_default_np(&greedy);
+        pthread_attr_destroy(&greedy);
+    }
+    ~NoThreads() {
+        pthread_setattr_default_np(&before_);
+        pthread_attr_destroy(&before_);
+    }
+    NoThreads(const NoThreads&) = delete;
+    NoThreads& operator=(const NoThreads&) = delete;
+
+  private:
+    pthread_attr_t before_;
+};
 
 } // namespace
 
@@ -92,6 +116,27 @@ TEST(FollowingWriter, endsInTheMiddleWhenItIsNotFinished) {
     const std::string written = readFile(folder / "file");
     EXPECT_GE(written.size(), 2U * 98);
     EXPECT_LE(written.size(), 2U * 100);
+}
+
+TEST(FollowingWriter, writesByItselfWhenNoThreadCanBeHad) {
+    const test::ScratchFolder folder;
+    const Descriptor file = openFile(folder / "file", O_WRONLY | O_CREAT, 0600);
+    const NoThreads none;
+    EXPECT_THROW(std::thread([] {}).join(), std::system_error);
+    FollowingWriter writer(file, bufferSize);
+    auto buffer = writer.exchange(filled("one "), 4);
+    EXPECT_EQ(readFile(folder / "file"), "one ");
+    std::memcpy(buffer.get(), "two", 3);
+    EXPECT_NE(writer.exchange(std::move(buffer), 3), nullptr);
+    writer.finish();
+    EXPECT_EQ(readFile(folder / "file"), "one two");
+}
+
+TEST(FollowingWriter, saysAtOnceWhatWentWrongWithoutAThread) {
+    const Descriptor full = openFile("/dev/full", O_WRONLY);
+    const NoThreads none;
+    FollowingWriter writer(full, bufferSize);
+    EXPECT_THROW(writer.exchange(filled("text"), 4), std::system_error);
 }
 
 } // namespace marrowbox

@@ -1,6 +1,7 @@
 #include "ScreenSupport/Fit.h"
 
 #include <QQuickItem>
+#include <algorithm>
 #include <vector>
 
 namespace marrowbox::test {
@@ -37,6 +38,12 @@ bool isText(const QQuickItem& item) {
     return item.inherits("QQuickText") && !item.property("text").toString().isEmpty();
 }
 
+/// What the lines of a text take. The toolkit adds the room between lines below the last one too, which our
+/// texts take back.
+QRectF linesOf(const QQuickItem& text) {
+    return text.boundingRect().adjusted(0, 0, 0, std::min(0.0, text.property("bottomPadding").toReal()));
+}
+
 /// Also what is pressed and is no button to the toolkit.
 bool isButton(const QQuickItem& item) {
     return item.inherits("QQuickAbstractButton") || item.inherits("QQuickComboBox") ||
@@ -50,8 +57,7 @@ void look(const QQuickItem& item, const QQuickItem* layer, QRectF window, Sight&
         layer = &item;
     if (item.clip())
         window &= wholeOf(item);
-    const QRectF place =
-        (isText(item) ? inWindow(item, item.boundingRect()) : wholeOf(item)).intersected(window);
+    const QRectF place = (isText(item) ? inWindow(item, linesOf(item)) : wholeOf(item)).intersected(window);
     if (!place.isEmpty() && isText(item))
         sight.texts.push_back({&item, layer, place});
     if (!place.isEmpty() && isButton(item))
@@ -71,7 +77,7 @@ bool overlap(const Seen& one, const Seen& other) {
 
 /// Whatever surrounds a text has to hold the whole of it; from where it scrolls on, from left to right alone.
 void judgeSurroundings(const Seen& text, const QQuickWindow& window, QStringList& all) {
-    const QRectF whole = inWindow(*text.item, text.item->boundingRect());
+    const QRectF whole = inWindow(*text.item, linesOf(*text.item));
     const auto holds = [&whole](const QRectF& room, bool scrolls) {
         const bool across =
             whole.left() > room.left() - tolerance && whole.right() < room.right() + tolerance;
@@ -92,7 +98,7 @@ void judgeSurroundings(const Seen& text, const QQuickWindow& window, QStringList
 void judgeText(const Seen& text, QStringList& all) {
     const QQuickItem& item = *text.item;
     const int elide = item.property("elide").toInt();
-    const QRectF drawn = item.boundingRect();
+    const QRectF drawn = linesOf(item);
     if (item.property("truncated").toBool() && (elide == leftOutAtTheEnd || elide == nothingLeftOut))
         all += quoted(item) + " is cut at its end";
     else if (drawn.width() > item.width() + tolerance || drawn.height() > item.height() + tolerance)

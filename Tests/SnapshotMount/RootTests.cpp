@@ -29,6 +29,14 @@ TEST(MountRoots, areMadePrivateWithTheirParents) {
         EXPECT_EQ(linkStatus(made)->st_mode, mode_t(S_IFDIR | 0700)) << made;
 }
 
+TEST(MountRoots, lieAmongTheUsersApplicationDataUnlessToldOtherwise) {
+    const Environment environment{{"MARROW_DATA_DIR", "/data"}, {"HOME", "/home/me"}};
+    EXPECT_EQ(SnapshotMount::defaultRegistryDirectory(environment),
+              "/home/me/.local/share/Marrowbox/SnapshotMounts");
+    EXPECT_EQ(SnapshotMount::defaultRegistryDirectory({{"XDG_DATA_HOME", "/share"}, {"HOME", "/home/me"}}),
+              "/share/Marrowbox/SnapshotMounts");
+}
+
 TEST(MountRoots, refuseADirectoryThatIsALinkAndMakeNothingBehindIt) {
     test::MountWorld world;
     fs::remove_all(world.directory);

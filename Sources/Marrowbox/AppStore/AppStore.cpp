@@ -1,11 +1,11 @@
 #include "Marrowbox/AppStore/AppStore.h"
 
 #include "Marrowbox/AppStore/Failure.h"
-#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Marrowbox/AppStore/OnExecutor.h"
 #include "Models/BackupError.h"
 #include "Models/JSONFile.h"
 #include "Platform/Cancellation.h"
+#include "Platform/HeldFlag.h"
 
 #include <boost/asio/co_spawn.hpp>
 #include <fcntl.h>

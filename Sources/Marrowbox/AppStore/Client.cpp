@@ -1,8 +1,8 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/DataFolder.h"
-#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Models/BackupError.h"
 #include "Platform/AtomicLeftovers.h"
+#include "Platform/HeldFlag.h"
 #include "Platform/PlainFile.h"
 
 namespace marrowbox {

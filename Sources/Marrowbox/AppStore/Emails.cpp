@@ -1,10 +1,10 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/Failure.h"
-#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Models/BackupError.h"
 #include "Models/EmailSettingsValidation.h"
 #include "Models/NotificationDigest.h"
 #include "Platform/Cancellation.h"
+#include "Platform/HeldFlag.h"
 
 #include <algorithm>
 #include <boost/asio/co_spawn.hpp>

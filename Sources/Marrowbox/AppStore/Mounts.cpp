@@ -1,7 +1,7 @@
 #include "Marrowbox/AppStore/AppStore.h"
 #include "Marrowbox/AppStore/Failure.h"
-#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Platform/Cancellation.h"
+#include "Platform/HeldFlag.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "Marrowbox/AppStore/AppStore.h"
-#include "Marrowbox/AppStore/HeldFlag.h"
 #include "Platform/Cancellation.h"
+#include "Platform/HeldFlag.h"
 
 namespace marrowbox {
 

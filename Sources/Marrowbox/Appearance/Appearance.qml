@@ -62,7 +62,7 @@ QtObject {
     readonly property font button: Qt.font({ family: family, pixelSize: 13, weight: Font.Medium })
     readonly property font caption: Qt.font({ family: family, pixelSize: 12 })
     readonly property font small: Qt.font({ family: family, pixelSize: 11 })
-    readonly property font compact: Qt.font({ family: family, pixelSize: 10.5 })
+    readonly property font compact: Qt.font({ family: family, pixelSize: 10.5 }) // drawn at 10 where fonts come in whole pixels
     readonly property font pill: Qt.font({ family: family, pixelSize: 11, weight: Font.Medium })
     readonly property font eyebrow: Qt.font({ family: family, pixelSize: 11, weight: Font.DemiBold, letterSpacing: 0.9 })
     readonly property real lineHeight: 1.3

@@ -1,8 +1,10 @@
 #include "Marrowbox/Appearance/AppearanceState.h"
 
+#include <QFontMetricsF>
 #include <QQmlEngine>
 #include <boost/describe/enumerators.hpp>
 #include <boost/mp11/algorithm.hpp>
+#include <cmath>
 
 namespace marrowbox {
 
@@ -55,6 +57,10 @@ Accent* AppearanceState::accentOf(const QString& name) const {
         if (accent->name() == name)
             return accent;
     return accents_.first();
+}
+
+double AppearanceState::heightOfLine(const QFont& font) const {
+    return std::ceil(QFontMetricsF(font).height()); // as lines are laid out
 }
 
 } // namespace marrowbox

@@ -3,6 +3,7 @@
 #include "Marrowbox/Appearance/Accent.h"
 #include "Marrowbox/Appearance/Colors.h"
 
+#include <QFont>
 #include <QObject>
 #include <QString>
 #include <QVariantList>
@@ -46,6 +47,8 @@ class AppearanceState : public QObject {
     QVariantList accents() const;
     /// The theme of this stored name, else blue.
     Q_INVOKABLE marrowbox::Accent* accentOf(const QString& name) const;
+    /// How high a line of a text is in this font, before anything is added between lines.
+    Q_INVOKABLE double heightOfLine(const QFont& font) const;
 
   signals:
     void darkChanged();

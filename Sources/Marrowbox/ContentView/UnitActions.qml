@@ -12,15 +12,14 @@ RowLayout {
 
     spacing: Appearance.smallGap
 
-    // One takes the other's place, and with it the focus of the keyboard.
+    // One takes the other's place.
     ActionButton {
         id: cancel
 
         visible: root.page.isBusy
         text: qsTr("Cancel snapshot")
+        successor: backUp
         onClicked: root.model.cancelBackup()
-        onVisibleChanged: if (!visible && activeFocus)
-            backUp.forceActiveFocus(Qt.TabFocusReason)
     }
 
     ActionButton {
@@ -31,9 +30,8 @@ RowLayout {
         spokenName: root.page.backUpLabel
         symbol: "arrow.clockwise"
         emphasis: ActionButton.Primary
+        successor: cancel
         onClicked: root.model.backUpNow()
-        onVisibleChanged: if (!visible && activeFocus)
-            cancel.forceActiveFocus(Qt.TabFocusReason)
     }
 
     ActionButton {

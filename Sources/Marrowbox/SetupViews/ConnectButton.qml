@@ -11,7 +11,6 @@ RowLayout {
     required property AccountConnection connection
     property alias text: main.text
     property alias emphasis: main.emphasis
-    property bool returns: false
 
     signal wanted
 
@@ -40,18 +39,7 @@ RowLayout {
         spokenName: qsTr("Cancel sign-in")
         emphasis: ActionButton.Quiet
         visible: root.connection.isWaiting
-        onClicked: {
-            root.returns = visualFocus;
-            root.connection.cancel();
-        }
-    }
-
-    Connections {
-        target: root.connection
-        function onChanged() {
-            if (root.returns && !root.connection.isWaiting)
-                main.forceActiveFocus(Qt.TabFocusReason);
-            root.returns = false;
-        }
+        successor: main
+        onClicked: root.connection.cancel()
     }
 }

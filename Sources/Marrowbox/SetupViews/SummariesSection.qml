@@ -11,7 +11,7 @@ Section {
     readonly property string offReason: qsTr("Disabled: turn on email summary in global settings")
 
     title: qsTr("Email summaries")
-    note: model.emailIsOff ? "" : model.policyDetail
+    note: model.policyDetail
 
     FormRow {
         label: qsTr("Send")

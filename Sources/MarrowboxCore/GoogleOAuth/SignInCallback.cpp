@@ -1,5 +1,7 @@
 #include "GoogleOAuth/SignInCallback.h"
 
+#include "Models/PercentEncoding.h"
+
 #include <algorithm>
 #include <optional>
 #include <vector>
@@ -22,36 +24,6 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
             return parts;
         text.remove_prefix(end + 1);
     }
-}
-
-std::optional<int> hexadecimalDigit(char letter) {
-    if (letter >= '0' && letter <= '9')
-        return letter - '0';
-    if (letter >= 'a' && letter <= 'f')
-        return letter - 'a' + 10;
-    if (letter >= 'A' && letter <= 'F')
-        return letter - 'A' + 10;
-    return std::nullopt;
-}
-
-/// Absent when an escape is malformed.
-std::optional<std::string> percentDecoded(std::string_view text) {
-    std::string decoded;
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        if (text[index] != '%') {
-            decoded += text[index];
-            continue;
-        }
-        if (text.size() - index < 3)
-            return std::nullopt;
-        const auto high = hexadecimalDigit(text[index + 1]);
-        const auto low = hexadecimalDigit(text[index + 2]);
-        if (!high || !low)
-            return std::nullopt;
-        decoded += static_cast<char>(*high * 16 + *low);
-        index += 2;
-    }
-    return decoded;
 }
 
 std::optional<QueryItem> queryItem(std::string_view text) {

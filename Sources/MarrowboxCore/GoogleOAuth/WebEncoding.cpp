@@ -1,47 +1,19 @@
 #include "GoogleOAuth/WebEncoding.h"
 
 #include "Models/BackupError.h"
+#include "Models/PercentEncoding.h"
 #include "Platform/Base64.h"
 
-#include <array>
+#include <algorithm>
 
 namespace marrowbox::WebEncoding {
-
-namespace {
-
-constexpr std::string_view unreserved = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~";
-
-constexpr std::array<bool, 256> isUnreserved = [] {
-    std::array<bool, 256> table{};
-    for (const char letter : unreserved)
-        table[static_cast<unsigned char>(letter)] = true;
-    return table;
-}();
-
-} // namespace
-
-void appendPercentEncoded(std::string_view text, std::string& to) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    for (const char letter : text) {
-        const auto byte = static_cast<unsigned char>(letter);
-        if (isUnreserved[byte]) {
-            to += letter;
-            continue;
-        }
-        to += '%';
-        to += digits[byte >> 4];
-        to += digits[byte & 15];
-    }
-}
 
 std::string form(const std::map<std::string, std::string>& fields) {
     std::string body;
     for (const auto& [key, value] : fields) {
         if (!body.empty())
             body += '&';
-        appendPercentEncoded(key, body);
-        body += '=';
-        appendPercentEncoded(value, body);
+        body += percentEncoded(key) + '=' + percentEncoded(value);
     }
     return body;
 }

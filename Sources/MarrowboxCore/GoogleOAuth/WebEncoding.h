@@ -18,9 +18,6 @@ using RandomSource = std::function<std::optional<std::string>(std::size_t)>;
 /// The body of a form: pairs sorted by key, everything but A-Z a-z 0-9 - . _ ~ as %XX.
 std::string form(const std::map<std::string, std::string>& fields);
 
-/// Appends a text with everything but A-Z a-z 0-9 - . _ ~ as %XX.
-void appendPercentEncoded(std::string_view text, std::string& to);
-
 /// URL-safe Base64 without padding.
 std::string base64URL(std::string_view bytes);
 

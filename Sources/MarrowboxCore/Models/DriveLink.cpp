@@ -1,11 +1,10 @@
 #include "Models/DriveLink.h"
 
 #include "Models/ASCII.h"
-
 #include "Models/EmailAddress.h"
+#include "Models/PercentEncoding.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace marrowbox {
@@ -20,19 +19,6 @@ bool consistsOf(std::string_view text, std::string_view alsoAllowed) {
     return !text.empty() && std::ranges::all_of(text, [&](char byte) {
         return isASCIILetterOrDigit(byte) || alsoAllowed.find(byte) != std::string_view::npos;
     });
-}
-
-std::string percentEncoded(std::string_view text) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string encoded;
-    for (const char byte : text) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (isASCIILetterOrDigit(byte) || std::string_view("-._~").find(byte) != std::string_view::npos)
-            encoded += byte;
-        else
-            encoded += {'%', digits[value >> 4], digits[value & 15]};
-    }
-    return encoded;
 }
 
 } // namespace

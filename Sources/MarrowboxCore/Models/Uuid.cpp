@@ -1,5 +1,6 @@
 #include "Models/Uuid.h"
 
+#include "Models/PercentEncoding.h"
 #include "Platform/Digest.h"
 #include "Platform/RandomBytes.h"
 
@@ -13,16 +14,6 @@ namespace {
 
 bool isDashAt(std::size_t position) {
     return position == 8 || position == 13 || position == 18 || position == 23;
-}
-
-int digitValue(char digit) {
-    if (digit >= '0' && digit <= '9')
-        return digit - '0';
-    if (digit >= 'a' && digit <= 'f')
-        return digit - 'a' + 10;
-    if (digit >= 'A' && digit <= 'F')
-        return digit - 'A' + 10;
-    return -1;
 }
 
 } // namespace
@@ -49,11 +40,11 @@ std::optional<Uuid> Uuid::parse(std::string_view text) {
                 return std::nullopt;
             continue;
         }
-        const int value = digitValue(text[position]);
-        if (value < 0)
+        const auto value = hexadecimalValue(text[position]);
+        if (!value)
             return std::nullopt;
         auto& byte = id.bytes[digits / 2];
-        byte = static_cast<std::uint8_t>(byte << 4 | value);
+        byte = static_cast<std::uint8_t>(unsigned{byte} << 4 | *value);
         ++digits;
     }
     return id;

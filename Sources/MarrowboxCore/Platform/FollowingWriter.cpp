@@ -2,10 +2,24 @@
 
 #include "Platform/Files.h"
 
+#include <system_error>
+
 namespace marrowbox {
 
+namespace {
+
+/// Beside the buffer that its owner fills, and those that are handed over or being written.
+constexpr std::size_t mostSpares = 2;
+
+} // namespace
+
 FollowingWriter::FollowingWriter(const Descriptor& file, std::size_t bufferSize)
-    : file_(file), bufferSize_(bufferSize), thread_([this] { follow(); }) {
+    : file_(file), bufferSize_(bufferSize) {
+    spares_.reserve(mostSpares); // the thread could not tell anybody that there is no memory
+    try {
+        thread_ = std::thread([this] { follow(); });
+    } catch (const std::system_error&) { // a machine without room for a thread can still write
+    }
 }
 
 FollowingWriter::~FollowingWriter() {
@@ -15,6 +29,10 @@ FollowingWriter::~FollowingWriter() {
 }
 
 std::unique_ptr<char[]> FollowingWriter::exchange(std::unique_ptr<char[]> buffer, std::size_t count) {
+    if (!thread_.joinable()) {
+        write({buffer.get(), count});
+        return buffer;
+    }
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] { return !next_ || failure_; });
     if (failure_)
@@ -54,7 +72,7 @@ void FollowingWriter::follow() noexcept {
         lock.unlock();
         std::exception_ptr failure;
         try {
-            write(filled);
+            write({filled.bytes.get(), filled.count});
         } catch (...) {
             failure = std::current_exception();
         }
@@ -68,10 +86,10 @@ void FollowingWriter::follow() noexcept {
     }
 }
 
-void FollowingWriter::write(const Filled& filled) {
-    writeAll(file_, {filled.bytes.get(), filled.count});
-    startWriting(file_, written_, filled.count);
-    written_ += filled.count;
+void FollowingWriter::write(std::string_view bytes) {
+    writeAll(file_, bytes);
+    startWriting(file_, written_, bytes.size());
+    written_ += bytes.size();
 }
 
 } // namespace marrowbox

@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -15,7 +16,8 @@ namespace marrowbox {
 
 /// Writes filled buffers to the end of a file on a thread of its own, in their order, while its owner fills
 /// the next: what is written takes the longer of the two and not their sum. The system begins at once to
-/// bring each buffer to its storage. For one thread to use; the file must stay open meanwhile.
+/// bring each buffer to its storage. Where no thread can be had, its owner's writes. For one thread to use;
+/// the file must stay open meanwhile.
 class FollowingWriter {
   public:
     FollowingWriter(const Descriptor& file, std::size_t bufferSize);
@@ -36,12 +38,12 @@ class FollowingWriter {
         std::size_t count = 0;
     };
     void follow() noexcept;
-    void write(const Filled& filled);
+    void write(std::string_view bytes);
     void end(std::unique_lock<std::mutex> lock);
 
     const Descriptor& file_;
     std::size_t bufferSize_;
-    std::size_t written_ = 0; ///< Of the thread's own use.
+    std::size_t written_ = 0; ///< Of the thread that writes.
     std::mutex mutex_;
     std::condition_variable changed_;
     std::optional<Filled> next_;

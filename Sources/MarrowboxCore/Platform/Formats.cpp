@@ -3,13 +3,13 @@
 #include "Platform/HostTimeZone.h"
 #include "Platform/UserLocale.h"
 
-#include <algorithm>
-#include <array>
+#include <iterator>
 #include <mutex>
 #include <stdexcept>
 #include <unicode/datefmt.h>
 #include <unicode/measunit.h>
 #include <unicode/numberformatter.h>
+#include <vector>
 
 namespace marrowbox {
 
@@ -54,37 +54,29 @@ std::string formatted(const icu::DateFormat& format, Date date) {
         text.findAndReplace(icu::UnicodeString(narrowNoBreakSpace), icu::UnicodeString(noBreakSpace)));
 }
 
-/// A unit of size, and how many digits of its fractions are worth reading.
-struct SizeUnit {
-    icu::MeasureUnit unit;
-    UNumberUnitWidth width; ///< Symbols, except that "byte" has a plural only when written out.
-    int fractionDigits;
-    std::uint64_t tenths; ///< Ten to the power of those digits.
+/// How sizes are written in one unit. Setting a formatter up takes a hundred times as long as a number does.
+struct SizeFormat {
+    icu::number::LocalizedNumberFormatter format;
+    std::uint64_t tenths; ///< Ten to the power of the digits that are worth reading of its fractions.
 };
 
-std::array<SizeUnit, 6> sizeUnits() {
+/// From the smallest unit, each a thousand of the one before.
+std::vector<SizeFormat> sizeFormats(const icu::Locale& locale) {
     using icu::MeasureUnit;
-    return {{{MeasureUnit::getByte(), UNUM_UNIT_WIDTH_FULL_NAME, 0, 1},
-             {MeasureUnit::getKilobyte(), UNUM_UNIT_WIDTH_SHORT, 0, 1},
-             {MeasureUnit::getMegabyte(), UNUM_UNIT_WIDTH_SHORT, 1, 10},
-             {MeasureUnit::getGigabyte(), UNUM_UNIT_WIDTH_SHORT, 2, 100},
-             {MeasureUnit::getTerabyte(), UNUM_UNIT_WIDTH_SHORT, 2, 100},
-             {MeasureUnit::getPetabyte(), UNUM_UNIT_WIDTH_SHORT, 2, 100}}};
-}
-
-using SizeFormats = std::array<icu::number::LocalizedNumberFormatter, 6>;
-
-/// One for each unit. Setting one up takes a hundred times as long as a number does.
-SizeFormats sizeFormats(const icu::Locale& locale) {
-    SizeFormats formats;
-    std::ranges::transform(sizeUnits(), formats.begin(), [&](const SizeUnit& size) {
+    const auto in = [&](const MeasureUnit& unit, UNumberUnitWidth width, int digits) {
         return icu::number::NumberFormatter::withLocale(locale)
-            .unit(size.unit)
-            .unitWidth(size.width)
-            .precision(icu::number::Precision::maxFraction(size.fractionDigits))
+            .unit(unit)
+            .unitWidth(width)
+            .precision(icu::number::Precision::maxFraction(digits))
             .roundingMode(UNUM_ROUND_HALFUP);
-    });
-    return formats;
+    };
+    return {// Symbols, except that "byte" has a plural only when written out.
+            {in(MeasureUnit::getByte(), UNUM_UNIT_WIDTH_FULL_NAME, 0), 1},
+            {in(MeasureUnit::getKilobyte(), UNUM_UNIT_WIDTH_SHORT, 0), 1},
+            {in(MeasureUnit::getMegabyte(), UNUM_UNIT_WIDTH_SHORT, 1), 10},
+            {in(MeasureUnit::getGigabyte(), UNUM_UNIT_WIDTH_SHORT, 2), 100},
+            {in(MeasureUnit::getTerabyte(), UNUM_UNIT_WIDTH_SHORT, 2), 100},
+            {in(MeasureUnit::getPetabyte(), UNUM_UNIT_WIDTH_SHORT, 2), 100}};
 }
 
 std::uint64_t magnitude(std::int64_t number) {
@@ -99,7 +91,7 @@ struct Formats::Implementation {
     mutable std::mutex mutex;
     std::unique_ptr<icu::DateFormat> dateAndTime;
     std::unique_ptr<icu::DateFormat> time;
-    SizeFormats sizes;
+    std::vector<SizeFormat> sizes;
 
     Implementation(const icu::TimeZone& zone, const icu::Locale& locale)
         : dateAndTime(dateFormat("yMMMdjmm", locale, zone)), time(dateFormat("jmm", locale, zone)),
@@ -131,17 +123,17 @@ std::string Formats::time(Date date) const {
 }
 
 std::string Formats::byteCount(std::int64_t bytes) const {
-    const auto units = sizeUnits();
     const std::uint64_t size = magnitude(bytes);
-    std::size_t index = 0;
+    auto chosen = implementation_->sizes.begin();
     std::uint64_t scale = 1;
     // The next unit begins where rounding would show a thousand of this one.
-    while (index + 1 < units.size() && size >= 1000 * scale - scale / (2 * units[index].tenths)) {
+    while (std::next(chosen) != implementation_->sizes.end() &&
+           size >= 1000 * scale - scale / (2 * chosen->tenths)) {
         scale *= 1000;
-        ++index;
+        ++chosen;
     }
     UErrorCode status = U_ZERO_ERROR;
-    const auto number = implementation_->sizes[index].formatDouble(double(bytes) / double(scale), status);
+    const auto number = chosen->format.formatDouble(double(bytes) / double(scale), status);
     const icu::UnicodeString text = number.toString(status);
     requireFormat(status);
     return utf8(text);

@@ -4,26 +4,11 @@
 #include "Models/BackupError.h"
 #include "Platform/AtomicLeftovers.h"
 #include "Platform/Cancellation.h"
+#include "Platform/HeldFlag.h"
 #include "Repository/LockBusyError.h"
 #include "SnapshotMount/ActiveSnapshot.h"
 
 namespace marrowbox {
-
-namespace {
-
-/// A flag that stands for as long as the object lives.
-class RaisedFlag {
-  public:
-    explicit RaisedFlag(bool& flag) : flag_(flag) { flag_ = true; }
-    RaisedFlag(const RaisedFlag&) = delete;
-    RaisedFlag& operator=(const RaisedFlag&) = delete;
-    ~RaisedFlag() { flag_ = false; }
-
-  private:
-    bool& flag_;
-};
-
-} // namespace
 
 /// What a pass found of one entry.
 struct SnapshotMount::Finding {
@@ -34,7 +19,7 @@ struct SnapshotMount::Finding {
 asio::awaitable<SnapshotMount::Reconciliation> SnapshotMount::reconcileHere(std::stop_token stop) {
     if (isReconciling_)
         co_return Reconciliation{};
-    const RaisedFlag reconciling(isReconciling_);
+    const HeldFlag reconciling(isReconciling_);
     std::optional<RepositoryLock> lock;
     MountRegistry registry;
     std::vector<Attachment> attachments;

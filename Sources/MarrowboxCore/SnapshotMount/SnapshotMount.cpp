@@ -22,6 +22,11 @@ MountMachine MountMachine::live(const ProcessSurroundings& surroundings) {
     return machine;
 }
 
+fs::path SnapshotMount::defaultRegistryDirectory(Environment environment) {
+    environment.erase("MARROW_DATA_DIR"); // that folder is the program's, and not everybody's
+    return dataDirectory(environment) / "SnapshotMounts";
+}
+
 SnapshotMount::SnapshotMount(const asio::any_io_executor& executor, const fs::path& registryDirectory,
                              MountMachine machine)
     : strand_(asio::make_strand(executor)), machine_(std::move(machine)),

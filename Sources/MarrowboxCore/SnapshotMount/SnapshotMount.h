@@ -2,6 +2,7 @@
 
 #include "Models/Snapshot.h"
 #include "Models/SyncUnit.h"
+#include "Platform/DataDirectory.h"
 #include "SnapshotMount/DiskImageTool.h"
 #include "SnapshotMount/MountRegistryFolder.h"
 #include "SnapshotMount/OwnedRemoval.h"
@@ -38,6 +39,10 @@ class SnapshotMount {
   public:
     using Mounted = MountedSnapshot;
     using Reconciliation = MountReconciliation;
+
+    /// Where the registry lies for whoever has no data folder to keep it in: "Marrowbox/SnapshotMounts" in
+    /// the user's folder for application data. The disk is not looked at.
+    static fs::path defaultRegistryDirectory(Environment environment);
 
     /// Makes no file; the first operation does.
     SnapshotMount(const asio::any_io_executor& executor, const fs::path& registryDirectory,

@@ -2,6 +2,7 @@
 // this file turns them into pictures for a person to look at.
 
 #include "Email/EmailMessage.h"
+#include "RunBuilder.h"
 
 #include <filesystem>
 #include <fstream>
@@ -11,21 +12,13 @@ namespace marrowbox {
 
 namespace {
 
-constexpr Date morning{1795255260.0 - referenceDateSince1970};
+using test::morning;
 
 RunRecord someRun() {
-    return {.unitName = "Family photos & “letters”",
-            .accountEmail = "ada.lovelace@example.com",
-            .destination = "/media/ada/Archive/Marrowbox",
-            .startedAt = morning,
-            .endedAt = morning + 125,
-            .outcome = RunOutcome::succeeded,
-            .summary = {.added = 12,
-                        .updated = 3,
-                        .removed = 1,
-                        .unchanged = 4211,
-                        .exported = 2,
-                        .downloadedBytes = 48'200'000}};
+    RunRecord run = test::successfulRun();
+    run.unitName = "Family photos & “letters”";
+    run.accountEmail = "ada.lovelace@example.com";
+    return run;
 }
 
 RunRecord unchangedRun() {

@@ -165,6 +165,28 @@ TEST(ActionButton, handsTheFocusOnWhenItVanishes) {
     EXPECT_TRUE(screen.comesTo([&] { return screen.focused() == "Next"; }));
 }
 
+TEST(ActionButton, handsTheFocusToWhatTakesItsPlace) {
+    Screen screen(R"(RowLayout {
+        property bool busy: true
+        ActionButton { id: begin; text: "Begin"; visible: !parent.busy; successor: stop }
+        ActionButton { id: stop; text: "Stop"; visible: parent.busy; successor: begin }
+        ActionButton { text: "Next" } })");
+    screen.focus("Stop");
+    screen.root().setProperty("busy", false);
+    EXPECT_TRUE(screen.comesTo([&] { return screen.focused() == "Begin"; }));
+}
+
+TEST(ActionButton, handsTheFocusOnWhenWhatTakesItsPlaceCannotBePressed) {
+    Screen screen(R"(RowLayout {
+        property bool shown: true
+        ActionButton { id: before; text: "Before"; enabled: false }
+        ActionButton { text: "Stop"; visible: parent.shown; successor: before }
+        ActionButton { text: "Next" } })");
+    screen.focus("Stop");
+    screen.root().setProperty("shown", false);
+    EXPECT_TRUE(screen.comesTo([&] { return screen.focused() == "Next"; }));
+}
+
 TEST(SettingsGear, isNamedForWhatItOpens) {
     Screen screen("Item { property int opened: 0; SettingsGear { onClicked: parent.opened += 1 } }");
     EXPECT_TRUE(screen.find("Backup settings", QAccessible::Button));

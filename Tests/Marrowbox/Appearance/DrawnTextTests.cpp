@@ -83,4 +83,17 @@ TEST_P(DrawnText, ofAMenuIsReadableUnderThePointer) {
     }
 }
 
+TEST(Words, thatWrapLeaveNoRoomBelowTheirLastLine) {
+    Screen screen(R"(ColumnLayout {
+        property real plain: one.implicitHeight
+        property real wrapped: same.implicitHeight
+        property real twoLines: two.implicitHeight
+        Words { id: one; text: "Letters" }
+        Words { id: same; text: "Letters"; wrapMode: Text.Wrap }
+        Words { id: two; text: "Letters\nPictures"; wrapMode: Text.Wrap } })");
+    const double line = screen.value("plain").toDouble();
+    EXPECT_DOUBLE_EQ(screen.value("wrapped").toDouble(), line);
+    EXPECT_NEAR(screen.value("twoLines").toDouble(), line * 2.3, 0.01);
+}
+
 } // namespace marrowbox

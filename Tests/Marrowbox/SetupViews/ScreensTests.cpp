@@ -367,4 +367,10 @@ TEST_F(Screens, leadFromABackupToTheEmailSettingsOfAll) {
     EXPECT_TRUE(screen.comesToShow("Send summaries with"));
 }
 
+TEST_F(Screens, sayWhatAPolicyIsAlsoWhileEmailIsOff) {
+    Screen& screen = showUnitSettings();
+    EXPECT_TRUE(screen.shows("Disabled: turn on email summary in global settings"));
+    EXPECT_TRUE(screen.shows("An email after every snapshot."));
+}
+
 } // namespace marrowbox

@@ -12,6 +12,8 @@ T.Button {
     property string spokenName: text
     /// Read out while the button is disabled, since assistive technology is not told that it is.
     property string disabledReason: qsTr("Not available at the moment.")
+    /// What comes in its place when it vanishes, and gets its focus; else the next of the chain does.
+    property Item successor: null
     property string theme: Appearance.theme
     readonly property QtObject accent: Appearance.accentOf(theme)
     readonly property bool active: enabled && (hovered || visualFocus || down)
@@ -29,6 +31,8 @@ T.Button {
     function handOnFocus() {
         if (visible || !activeFocus)
             return;
+        if (successor && successor.visible && successor.enabled)
+            return successor.forceActiveFocus(Qt.TabFocusReason);
         let vanished = root;
         while (vanished.parent && !vanished.parent.visible)
             vanished = vanished.parent;

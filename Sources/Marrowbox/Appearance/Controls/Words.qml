@@ -12,6 +12,8 @@ Text {
     textFormat: Text.PlainText
     elide: wrapMode === Text.NoWrap ? Text.ElideRight : Text.ElideNone
     lineHeight: wrapMode === Text.NoWrap ? 1 : Appearance.lineHeight
+    // The room between lines comes below each of them; below the last there is nothing to keep apart.
+    bottomPadding: lineHeight === 1 ? 0 : AppearanceState.heightOfLine(font) * (1 - lineHeight)
     Accessible.name: text
     Accessible.role: spokenRole
 }
