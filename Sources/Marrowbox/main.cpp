@@ -1,6 +1,7 @@
 #include "Marrowbox/MarrowboxApp/MarrowboxApp.h"
 #include "Marrowbox/Platform/SingleInstance.h"
 #include "Platform/CoreDumps.h"
+#include "Platform/StandardStreams.h"
 
 #include <QApplication>
 #include <csignal>
@@ -18,6 +19,7 @@ constexpr std::chrono::milliseconds activationPatience{3000};
 void resetSignals() {
     std::signal(SIGCHLD, SIG_DFL);
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a failure like any other
 }
 
 int run() {
@@ -41,6 +43,7 @@ int run() {
 } // namespace
 
 int main(int count, char** words) {
+    occupyStandardStreams();
     forbidCoreDumps();
     resetSignals();
     const QApplication application(count, words);

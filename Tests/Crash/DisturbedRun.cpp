@@ -5,14 +5,35 @@
 
 namespace marrowbox::test {
 
+namespace {
+
+/// Runs a backup of a generation and kills it before it gives the next object its name.
+void killRun(const Destination& destination, int generation, int storedObjects) {
+    const Condition storesAnObject = [&](const FileCall& call) {
+        return call.isWithin(destination.repository().root() / "Objects") && call.name.starts_with("rename");
+    };
+    const DisturbedEnd end =
+        runDisturbed(destination, generation, storedObjects + 1, Answer::kill(), storesAnObject);
+    ASSERT_TRUE(end.wasReached());
+}
+
+} // namespace
+
 std::vector<int> Scene::historyBefore() const {
     std::vector<int> generations(static_cast<std::size_t>(generation - 1));
     std::iota(generations.begin(), generations.end(), 1);
     return generations;
 }
 
+Destination Scene::before() const {
+    const Destination history(generation - 1);
+    if (storedByAKilledRun > 0)
+        killRun(history, generation, storedByAKilledRun);
+    return history;
+}
+
 std::vector<Scene> scenes() {
-    return {{"firstRun", 1}, {"incrementalRun", 2}};
+    return {{"firstRun", 1}, {"incrementalRun", 2}, {"runAfterAKilledOne", 2, 6}};
 }
 
 std::string DisturbedEnd::text() const {

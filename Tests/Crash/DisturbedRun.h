@@ -15,12 +15,15 @@ namespace marrowbox::test {
 struct Scene {
     std::string name;
     int generation;
+    /// How many objects a run before it had stored when it was killed; 0 when there was none.
+    int storedByAKilledRun = 0;
 
     std::vector<int> historyBefore() const;
+    Destination before() const;
     friend std::ostream& operator<<(std::ostream& stream, const Scene& scene) { return stream << scene.name; }
 };
 
-/// A first run, and one that finds most of its content stored.
+/// A first run, one that finds most of its content stored, and one after a run that was killed.
 std::vector<Scene> scenes();
 
 /// How a run ended in which one call was disturbed.

@@ -53,6 +53,7 @@ void expectDurableObjects(const Destination& destination, int generation, const 
         if (publishes(call)) {
             ++published;
             manifest = call.target;
+            EXPECT_TRUE(storage.holds(call.path)) << "the bytes come before the name";
             for (const fs::path& object : objectsOf(destination)) {
                 EXPECT_TRUE(durable.contains(object) || storage.holds(object)) << object;
                 EXPECT_TRUE(durable.contains(object) || storage.holds(object.parent_path())) << object;
@@ -89,6 +90,7 @@ TEST_P(Durability, isMadeUpForWhatADeadRunLeft) {
     expectDurableObjects(destination, GetParam().generation, durable);
 }
 
-INSTANTIATE_TEST_SUITE_P(, Durability, testing::ValuesIn(scenes()), sceneName);
+INSTANTIATE_TEST_SUITE_P(, Durability, testing::Values(Scene{"firstRun", 1}, Scene{"incrementalRun", 2}),
+                         sceneName);
 
 } // namespace marrowbox::test

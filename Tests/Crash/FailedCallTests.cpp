@@ -44,7 +44,7 @@ class FailedCall : public DisturbedRunTest {
   protected:
     /// Fails calls of one kind, one a run, and expects that each run either says so or needed no such call.
     void expectHonestRuns(int error, const Condition& counts) {
-        const Destination before(GetParam().generation - 1);
+        const Destination before = GetParam().before();
         const int calls = countCalls(before, GetParam().generation, counts);
         int tried = 0;
         for (const int number : spread(calls, 32)) {
@@ -58,7 +58,7 @@ class FailedCall : public DisturbedRunTest {
             EXPECT_EQ(WEXITSTATUS(end.status), isBorne ? 0 : refused);
             EXPECT_EQ(end.words.empty(), isBorne);
             if (!isIgnored(end.disturbed))
-                EXPECT_TRUE(destination.workFolders().empty());
+                EXPECT_EQ(destination.workFolders(), before.workFolders());
             expectUnharmed(destination, GetParam());
             if (HasFailure())
                 break;
@@ -68,7 +68,7 @@ class FailedCall : public DisturbedRunTest {
 
     /// Disturbs calls in a way that a run has to bear.
     void expectSuccess(Answer answer, const Condition& counts) {
-        const Destination before(GetParam().generation - 1);
+        const Destination before = GetParam().before();
         const int calls = countCalls(before, GetParam().generation, counts);
         int tried = 0;
         for (const int number : spread(calls, 20)) {
@@ -93,6 +93,10 @@ TEST_P(FailedCall, endsTheRunAndLeavesTheHistoryWholeOnAFullDisk) {
 
 TEST_P(FailedCall, endsTheRunAndLeavesTheHistoryWholeOnABrokenDisk) {
     expectHonestRuns(EIO, everyCall);
+}
+
+TEST_P(FailedCall, endsTheRunAndLeavesTheHistoryWholeOnADiskThatTurnsReadOnly) {
+    expectHonestRuns(EROFS, everyCall);
 }
 
 TEST_P(FailedCall, isRepeatedWhenASignalInterruptedIt) {

@@ -9,7 +9,7 @@ namespace marrowbox::test {
 class KilledRun : public DisturbedRunTest {};
 
 TEST_P(KilledRun, leavesAWholeHistoryWhereverItIsKilled) {
-    const Destination before(GetParam().generation - 1);
+    const Destination before = GetParam().before();
     const int calls = countCalls(before, GetParam().generation, everyCall);
     int killed = 0;
     const std::vector<int> points = spread(calls, 120);

@@ -1,8 +1,11 @@
 #include "CredentialFolder.h"
 #include "Support/Stranger.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/fs.h>
 #include <sys/acl.h>
+#include <sys/ioctl.h>
 
 namespace marrowbox {
 
@@ -34,6 +37,23 @@ class CredentialSafety : public testing::Test {
 };
 
 } // namespace
+
+TEST(CredentialFolder, isNotMadeWhereOthersMayPutSomethingInItsPlace) {
+    const test::CredentialFolder folder;
+    fs::permissions(folder.parent(), fs::perms(0777));
+    EXPECT_EQ(folder.refusalToSave(), test::unsafeParent);
+    EXPECT_FALSE(linkStatus(folder.directory()));
+}
+
+TEST(CredentialFolder, isLeftOutOfTheSystemsBackups) {
+    const test::CredentialFolder folder;
+    folder.save("new", "key");
+    const Descriptor opened = openFile(folder.directory(), O_RDONLY | O_DIRECTORY);
+    int flags = 0;
+    if (::ioctl(opened.number(), FS_IOC_GETFLAGS, &flags) != 0)
+        GTEST_SKIP() << "this file system keeps no such attribute";
+    EXPECT_NE(flags & FS_NODUMP_FL, 0);
+}
 
 TEST_F(CredentialSafety, refusesAFileThatOthersMayRead) {
     ::chmod(folder.file().c_str(), 0644);

@@ -91,7 +91,7 @@ TEST(Secrets, standInNoArgumentOfRcloneAndInNoFileBesideTheCredentials) {
 
     ASSERT_THAT(children, SizeIs(1));
     EXPECT_THAT(children[0].arguments, HasSubstr(std::string("backend\0copyid\0", 15)));
-    EXPECT_THAT(children[0].limits, ContainsRegex("Max core file size +0 +0 "));
+    EXPECT_THAT(children[0].limits, ContainsRegex("Max core file size +1 +1 "));
     EXPECT_EQ(children[0].environmentMode, 0400U);
     expectHoldsNone(children[0].arguments, backup.secrets());
     EXPECT_GT(files.size(), 4U);

@@ -203,6 +203,15 @@ TEST_F(GoogleSignInTest, asksForConsentWithExactlyTheseItems) {
     result_.get();
 }
 
+TEST_F(GoogleSignInTest, isReachedAtOneAddressOfThisMachineAlone) {
+    begin();
+    LoopbackPeer peer;
+    // Another address of the same machine, as one in its network is.
+    EXPECT_THROW(peer.connect(port(), asio::ip::make_address_v4("127.0.0.2")), boost::system::system_error);
+    consent();
+    result_.get();
+}
+
 TEST_F(GoogleSignInTest, asksForMailAndOffersAnAddressWhenTold) {
     request_.sendEmail = true;
     request_.hint = "ann+x@example.org";
@@ -223,6 +232,9 @@ TEST_F(GoogleSignInTest, provesItselfInTheExchange) {
     const std::string verifier = fields.at("code_verifier");
     EXPECT_EQ(verifier.size(), 43U);
     EXPECT_EQ(WebEncoding::base64URL(sha256(verifier)), query_.at("code_challenge"));
+    for (const auto& [name, value] : query_)
+        EXPECT_EQ(value.find(verifier), std::string::npos)
+            << name << " gives away what only the exchange tells";
     const std::map<std::string, std::string> expected{
         {"client_id", "7.apps.googleusercontent.com"},
         {"client_secret", "shh"},

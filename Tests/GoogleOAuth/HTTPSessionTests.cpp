@@ -1,6 +1,7 @@
 #include "WebClient.h"
 
 #include "Models/BackupError.h"
+#include "Platform/Files.h"
 #include "Support/LoopbackServer.h"
 #include "Support/Thrown.h"
 
@@ -27,6 +28,16 @@ TransportErrorCode failureOf(WebClient& client, HTTPRequest request) {
     }
     ADD_FAILURE() << "nothing was thrown";
     return TransportErrorCode::other;
+}
+
+/// How many threads of this process let no signal in that can be kept out.
+std::size_t threadsWithoutSignals() {
+    std::size_t count = 0;
+    for (const std::string& thread : directoryNames("/proc/self/task"))
+        if (readFile(fs::path("/proc/self/task") / thread / "status").find("\nSigBlk:\tfffffffe") !=
+            std::string::npos)
+            ++count;
+    return count;
 }
 
 } // namespace
@@ -197,6 +208,16 @@ TEST(HTTPSession, goesOnAfterACancel) {
     WebClient client;
     EXPECT_THROW(client.send(webRequest("GET", server.url("/")), stop.get_token()), CancellationError);
     EXPECT_EQ(client.get(server.url("/")), "ok");
+}
+
+TEST(HTTPSession, takesNoSignalFromTheThreadsThatWaitForOne) {
+    LoopbackServer server(ok);
+    WebClient first;
+    first.get(server.url("/")); // so that all threads of the server are at work
+    const std::size_t before = threadsWithoutSignals();
+    WebClient client;
+    client.get(server.url("/"));
+    EXPECT_EQ(threadsWithoutSignals(), before + 1);
 }
 
 TEST(HTTPSession, isCancelledAtAnyMoment) {

@@ -18,8 +18,9 @@ class LoopbackPeer {
     /// Connects later.
     LoopbackPeer() { socket_.open(boost::asio::ip::tcp::v4()); }
 
-    void connect(std::uint16_t port) {
-        socket_.connect({boost::asio::ip::address_v4::loopback(), port});
+    void connect(std::uint16_t port,
+                 boost::asio::ip::address_v4 address = boost::asio::ip::address_v4::loopback()) {
+        socket_.connect({address, port});
         socket_.set_option(boost::asio::ip::tcp::no_delay(true));
     }
 

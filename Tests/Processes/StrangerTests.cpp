@@ -92,6 +92,18 @@ TEST_F(SharedTemporaryFolder, losesNothingThatSomebodyPutInTheFoldersPlace) {
     EXPECT_EQ(readFile(planted / "output"), "theirs");
 }
 
+TEST_F(SharedTemporaryFolder, keepsAnEmptyFolderThatSomebodyPutInTheFoldersPlace) {
+    fs::path planted;
+    outputWhile([&](const fs::path& folder) {
+        planted = folder;
+        ASSERT_TRUE(doneByStranger([&] {
+            return ::rename(folder.c_str(), (temporary / "away").c_str()) == 0 &&
+                   ::mkdir(folder.c_str(), 0777) == 0;
+        }));
+    });
+    EXPECT_TRUE(fs::is_directory(planted));
+}
+
 TEST_F(SharedTemporaryFolder, keepsTheOutputFromEverybodyElse) {
     fs::permissions(temporary, fs::perms(01777));
     outputWhile([&](const fs::path& folder) {

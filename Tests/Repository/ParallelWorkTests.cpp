@@ -3,6 +3,7 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <latch>
+#include <memory>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -60,6 +61,24 @@ TEST(ParallelWork, reportsTheFirstFailureInOrderAndMakesAllCallsBeforeIt) {
         EXPECT_THROW(std::rethrow_exception(failed->failure), std::runtime_error);
         for (std::size_t index = 0; index <= 7; ++index)
             EXPECT_EQ(calls[index], 1) << index;
+    }
+}
+
+TEST(ParallelWork, reportsTheFirstFailureInOrderThoughALaterCallFailsLast) {
+    ParallelWork workers;
+    for (int round = 0; round < 50; ++round) {
+        std::latch both(2);
+        std::latch first(1);
+        const auto failed = workers.forEach(2, [&](std::size_t index) {
+            both.arrive_and_wait();
+            if (index > 0)
+                first.wait();
+            const std::unique_ptr<std::latch, void (*)(std::latch*)> onFailing(
+                index == 0 ? &first : nullptr, [](std::latch* waiting) { waiting->count_down(); });
+            throw std::runtime_error(std::to_string(index));
+        });
+        ASSERT_TRUE(failed);
+        EXPECT_EQ(failed->index, 0u);
     }
 }
 

@@ -26,6 +26,24 @@ TEST(LiveMountSystem, listsWholeCommandsWhateverTheUsersShellSays) {
     }
 }
 
+TEST(LiveMountSystem, hasToolsAnswerAsEverWhereADeveloperLooksIntoThem) {
+    const test::ScratchFolder scratch;
+    makeDirectory(scratch / "Files", 0700);
+    const std::vector<std::string> question{"--json", "--list", "--output", "TARGET"};
+    const std::map<std::string, std::string> settings{
+        {"LIBMOUNT_DEBUG", "all"}, {"LIBSMARTCOLS_DEBUG", "all"}, {"SOURCE_DATE_EPOCH", "today"}};
+    for (const auto& [setting, value] : settings) {
+        auto surroundings = ProcessSurroundings::ofThisProcess();
+        surroundings.environment.insert_or_assign(setting, value);
+        LiveMountSystem machine(std::move(surroundings));
+        const auto mounts = test::await(machine.run("/usr/bin/findmnt", question, {}, {}));
+        EXPECT_TRUE(mounts.output.starts_with("{\n")) << setting;
+        const auto image = test::await(machine.run(
+            "/usr/bin/mksquashfs", {scratch / "Files", scratch / setting, "-quiet", "-no-progress"}, {}, {}));
+        EXPECT_EQ(image.status, 0) << setting;
+    }
+}
+
 TEST(LiveMountSystem, waitsForNoProcessOfAnotherUser) {
     if (const auto reason = test::reasonForNoStranger())
         GTEST_SKIP() << *reason;

@@ -9,6 +9,10 @@
 #include "Support/ScratchFolder.h"
 #include "Support/Thrown.h"
 
+#include <array>
+#include <boost/asio/post.hpp>
+#include <boost/asio/this_coro.hpp>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace marrowbox {
@@ -34,6 +38,32 @@ struct ScriptedSquashfs {
     }
     fs::path expectedPoint() const { return points.path() / "Marrowbox A 11-21 1504"; }
 };
+
+/// A machine whose mounts have a server, a pipe here, that ends when all others wait.
+class ServedMachine final : public SnapshotMountSystem {
+  public:
+    asio::awaitable<ProcessRunner::Result> run(fs::path, std::vector<std::string>,
+                                               std::map<std::string, std::string>, std::stop_token) override {
+        const auto executor = co_await asio::this_coro::executor;
+        asio::post(executor, [this] { server.close(); });
+        co_return ProcessRunner::Result{0, ""};
+    }
+    std::vector<Descriptor> processesWithArguments(const std::vector<std::string>&) const override {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+        server = Descriptor(ends[1]);
+        std::vector<Descriptor> servers;
+        servers.emplace_back(ends[0]);
+        return servers;
+    }
+    mutable Descriptor server;
+};
+
+asio::awaitable<bool> hasEndedWithADetach(SquashfsTool& squashfs, const ServedMachine& machine) {
+    const bool isDetached = co_await squashfs.detach({"/w/Snapshot.dmg", "/missing/point"}, {});
+    EXPECT_TRUE(isDetached);
+    co_return !machine.server;
+}
 
 } // namespace
 
@@ -194,6 +224,12 @@ TEST(SquashfsTool, saysThatTheInventoryCouldNotBeAskedFor) {
     tool.machine->answer("findmnt", ProcessRunner::Result{1, recordedOutput("findmnt-desktop.json")});
     EXPECT_EQ(test::thrown<BackupError>([&] { test::await(tool.squashfs.attached({})); }),
               "The system’s disk-image state could not be inspected; temporary files were kept.");
+}
+
+TEST(SquashfsTool, endsADetachNoSoonerThanTheServerOfTheMount) {
+    const auto machine = std::make_shared<ServedMachine>();
+    SquashfsTool squashfs(machine, MountPointFolder("/missing", ::getuid()));
+    EXPECT_TRUE(test::await(hasEndedWithADetach(squashfs, *machine)));
 }
 
 } // namespace marrowbox

@@ -55,6 +55,9 @@ class WatchedProgram {
     /// wait(2) does.
     int run(const std::function<Answer(const FileCall&)>& decide);
 
+    /// The number of its process, until it has ended.
+    pid_t process() const { return child_; }
+
     /// What the program has written to its standard error.
     std::string words() const;
 

@@ -3,6 +3,7 @@
 #include "Platform/Files.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <fcntl.h>
 #include <libmount/libmount.h>
@@ -53,6 +54,14 @@ Descriptor openProcess(const std::string& name) {
     pid_t number = 0;
     std::from_chars(name.data(), name.data() + name.size(), number);
     return Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, number, 0)));
+}
+
+/// A width cuts each command line, and a path behind the cut would look as if nobody used it; a personality
+/// may not know the question. What a library tells a developer stands among a tool's answer, and the date of
+/// a build is refused by the maker of images when it is none.
+bool changesAnswers(std::string_view variable) {
+    constexpr std::array settings{"COLUMNS", "CMD_ENV", "PS_PERSONALITY", "SOURCE_DATE_EPOCH"};
+    return std::ranges::find(settings, variable) != settings.end() || variable.ends_with("_DEBUG");
 }
 
 } // namespace
@@ -106,10 +115,8 @@ SnapshotMountSystem::processesWithArguments(const std::vector<std::string>& argu
 }
 
 LiveMountSystem::LiveMountSystem(ProcessSurroundings surroundings) : surroundings_(std::move(surroundings)) {
-    // A width cuts each command line, and a path behind the cut would look as if nobody used it; a
-    // personality may not know the question.
-    for (const char* setting : {"COLUMNS", "CMD_ENV", "PS_PERSONALITY"})
-        surroundings_.environment.erase(setting);
+    std::erase_if(surroundings_.environment,
+                  [](const auto& variable) { return changesAnswers(variable.first); });
 }
 
 asio::awaitable<ProcessRunner::Result> LiveMountSystem::run(fs::path executable,

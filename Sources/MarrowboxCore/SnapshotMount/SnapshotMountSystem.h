@@ -39,8 +39,8 @@ class SnapshotMountSystem {
     virtual std::vector<Descriptor> processesWithArguments(const std::vector<std::string>& arguments) const;
 };
 
-/// The machine that the program runs on. The settings with which a user's shell changes what the list of
-/// processes shows are kept from the tools: whether work is deleted rests on that list.
+/// The machine that the program runs on. The settings with which a user's shell changes what the tools answer
+/// are kept from them: whether work is deleted rests on the lists of processes and mounts.
 class LiveMountSystem final : public SnapshotMountSystem {
   public:
     explicit LiveMountSystem(ProcessSurroundings surroundings);

@@ -3,7 +3,9 @@
 #include "Support/Spread.h"
 #include "Support/WatchedProgram.h"
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <iostream>
@@ -121,15 +123,36 @@ TEST_F(KilledStore, leavesAWholeConfigurationAndTellsOfTheInterruptedRun) {
               << interrupted << " met a run\n";
 }
 
-TEST_F(KilledStore, leavesAWholeConfigurationWhateverCallTheDiskFails) {
+TEST_F(KilledStore, leavesAWholeConfigurationWhateverCallTheDiskFailsAndHowever) {
     const int calls = countCalls();
-    for (const int number : spread(calls, 40)) {
-        const int status = runDisturbed(number, Answer::fail(ENOSPC));
-        SCOPED_TRACE("call " + std::to_string(number) + " failed: " + words);
+    for (const int error : {ENOSPC, EIO, EROFS})
+        for (const int number : spread(calls, 14)) {
+            const int status = runDisturbed(number, Answer::fail(error));
+            SCOPED_TRACE("call " + std::to_string(number) + ", " + std::strerror(error) + ": " + words);
+            EXPECT_EQ(status, 0);
+            expectUsable();
+            if (HasFailure())
+                return;
+        }
+}
+
+TEST_F(KilledStore, repeatsACallThatASignalInterrupted) {
+    const auto isInterruptible = [](const FileCall& call) {
+        return call.name == "openat" || call.name == "open" || call.name == "write" || call.name == "fsync";
+    };
+    const auto runInterrupted = [&](int number) {
+        int calls = 0;
+        const int status = run([&](const FileCall& call) {
+            return isInterruptible(call) && ++calls == number ? Answer::fail(EINTR) : Answer::proceed();
+        });
         EXPECT_EQ(status, 0);
+        EXPECT_EQ(words, "");
+        return calls;
+    };
+    for (const int number : spread(runInterrupted(0), 14)) {
+        runInterrupted(number);
+        SCOPED_TRACE("call " + std::to_string(number));
         expectUsable();
-        if (HasFailure())
-            break;
     }
 }
 
