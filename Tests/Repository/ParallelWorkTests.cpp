@@ -1,11 +1,16 @@
 #include "Repository/ParallelWork.h"
 
+#include "Support/SanitizedBuild.h"
+#include "Support/Stranger.h"
+
 #include <atomic>
 #include <gtest/gtest.h>
 #include <latch>
 #include <memory>
 #include <stdexcept>
+#include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace marrowbox {
@@ -38,6 +43,25 @@ TEST(ParallelWork, worksSideBySide) {
     // Each call waits for the other, so it ends only when both are under way at the same time.
     std::latch both(2);
     EXPECT_FALSE(workers.forEach(2, [&](std::size_t) { both.arrive_and_wait(); }));
+}
+
+TEST(ParallelWork, isDoneByAsManyThreadsAsTheMachineHasRoomFor) {
+    if (const auto reason = test::reasonForNoStranger())
+        GTEST_SKIP() << *reason; // the administrator has room without end
+    if (test::isSanitized)
+        GTEST_SKIP() << "a sanitizer has threads of its own, and needs room for them";
+    for (const rlim_t most : {1U, 2U, 4U, 9U})
+        EXPECT_TRUE(test::doneByStranger([&] {
+            ::alarm(60);
+            const rlimit limit{.rlim_cur = most, .rlim_max = most};
+            if (::setrlimit(RLIMIT_NPROC, &limit) != 0)
+                return false;
+            std::atomic<int> made = 0;
+            ParallelWork workers;
+            const bool hasFailed = workers.forEach(100, [&](std::size_t) { ++made; }).has_value() ||
+                                   workers.forEach(2, [&](std::size_t) { ++made; }).has_value();
+            return !hasFailed && made == 102;
+        })) << most;
 }
 
 TEST(ParallelWork, makesASingleCallOnTheCallersThread) {

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <latch>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace marrowbox {
 
@@ -55,24 +58,51 @@ class SharedCalls {
 
 } // namespace
 
-ParallelWork::~ParallelWork() {
-    if (threads_)
-        threads_->join();
-}
+/// The library's own pool waits for ever for the threads that it has, when the system gives it no further
+/// one.
+class ParallelWork::Threads {
+  public:
+    Threads() {
+        try {
+            while (threads_.size() < threadCount())
+                threads_.emplace_back([this] { context_.run(); });
+        } catch (const std::exception&) {
+            // Those that there are do all the work.
+        }
+    }
+    Threads(const Threads&) = delete;
+    Threads& operator=(const Threads&) = delete;
+    ~Threads() {
+        work_.reset();
+        for (std::thread& thread : threads_)
+            thread.join();
+    }
+
+    std::size_t count() const { return threads_.size(); }
+    void post(std::function<void()> work) { boost::asio::post(context_, std::move(work)); }
+
+  private:
+    boost::asio::io_context context_;
+    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work_{context_.get_executor()};
+    std::vector<std::thread> threads_;
+};
+
+ParallelWork::ParallelWork() = default;
+ParallelWork::~ParallelWork() = default;
 
 std::optional<FirstFailure> ParallelWork::forEach(std::size_t count,
                                                   const std::function<void(std::size_t)>& work) {
     SharedCalls calls(count, work);
-    const std::size_t sharers = std::min(count, threadCount());
-    if (sharers <= 1) {
+    if (count > 1 && !threads_)
+        threads_ = std::make_unique<Threads>();
+    const std::size_t sharers = count > 1 ? std::min(count, threads_->count()) : 0;
+    if (sharers == 0) {
         calls.take();
         return calls.failure();
     }
-    if (!threads_)
-        threads_ = std::make_unique<boost::asio::thread_pool>(threadCount());
     std::latch done(static_cast<std::ptrdiff_t>(sharers));
     for (std::size_t sharer = 0; sharer < sharers; ++sharer)
-        boost::asio::post(*threads_, [&] {
+        threads_->post([&] {
             calls.take();
             done.count_down();
         });

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <boost/asio/thread_pool.hpp>
 #include <cstddef>
 #include <exception>
 #include <functional>
@@ -16,9 +15,13 @@ struct FirstFailure {
 };
 
 /// Threads for work on many files, which alternates between the processor and waiting for storage. They begin
-/// with the first work and end with the object.
+/// with the first work and end with the object. Where the machine has room for few or none, they are few, or
+/// the caller's own does it all.
 class ParallelWork {
   public:
+    ParallelWork();
+    ParallelWork(const ParallelWork&) = delete;
+    ParallelWork& operator=(const ParallelWork&) = delete;
     ~ParallelWork();
 
     /// Calls work(0) to work(count - 1), in about this order, on several threads, and returns when all calls
@@ -32,7 +35,8 @@ class ParallelWork {
     forEachPiece(std::size_t count, const std::function<void(std::size_t, std::size_t)>& work);
 
   private:
-    std::unique_ptr<boost::asio::thread_pool> threads_;
+    class Threads;
+    std::unique_ptr<Threads> threads_;
 };
 
 } // namespace marrowbox
