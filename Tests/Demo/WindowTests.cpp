@@ -55,7 +55,7 @@ class DemoWindow : public WithEventLoop {
         const QString name = instanceName({{"MARROW_DATA_DIR", folder.string()}});
         const unsigned process = bus.interface()->servicePid(name).value();
         EXPECT_THAT(readFile("/proc/" + std::to_string(process) + "/limits"),
-                    testing::ContainsRegex("Max core file size +0 +0 "));
+                    testing::ContainsRegex("Max core file size +1 +1 "));
     }
 };
 
