@@ -82,11 +82,15 @@ ServiceThread::~ServiceThread() {
 }
 
 void ServiceThread::runOnThread(QObject& object, const std::function<void()>& work) {
-    std::binary_semaphore isDone(0); // seen by the thread sanitizer, as Qt's own is not
+    // Both are seen by the thread sanitizer, as Qt's own ways from thread to thread are not.
+    std::binary_semaphore isGiven(0);
+    std::binary_semaphore isDone(0);
     const auto doIt = [&] {
+        isGiven.acquire();
         work();
         isDone.release();
     };
+    isGiven.release();
     QMetaObject::invokeMethod(&object, doIt, Qt::QueuedConnection);
     isDone.acquire();
 }
