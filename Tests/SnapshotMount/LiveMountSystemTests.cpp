@@ -10,6 +10,17 @@
 
 namespace marrowbox {
 
+namespace {
+
+/// This machine to a program in whose environment one setting is as given.
+LiveMountSystem machineWith(const std::string& setting, const std::string& value) {
+    auto surroundings = ProcessSurroundings::ofThisProcess();
+    surroundings.environment.insert_or_assign(setting, value);
+    return LiveMountSystem(std::move(surroundings));
+}
+
+} // namespace
+
 TEST(LiveMountSystem, listsWholeCommandsWhateverTheUsersShellSays) {
     const std::string mark = "a mark at the end of a long command";
     // Two commands, so that the shell stays, and its own line is in the list.
@@ -17,9 +28,7 @@ TEST(LiveMountSystem, listsWholeCommandsWhateverTheUsersShellSays) {
     const std::map<std::string, std::string> settings{
         {"COLUMNS", "40"}, {"CMD_ENV", "hp"}, {"PS_PERSONALITY", "hp"}};
     for (const auto& [setting, value] : settings) {
-        auto surroundings = ProcessSurroundings::ofThisProcess();
-        surroundings.environment.insert_or_assign(setting, value);
-        LiveMountSystem machine(std::move(surroundings));
+        LiveMountSystem machine = machineWith(setting, value);
         const auto answer = test::await(machine.run("/bin/sh", {"-c", script}, {}, {}));
         EXPECT_EQ(answer.status, 0) << setting;
         EXPECT_NE(answer.output.find(mark), std::string::npos) << setting;
@@ -33,9 +42,7 @@ TEST(LiveMountSystem, hasToolsAnswerAsEverWhereADeveloperLooksIntoThem) {
     const std::map<std::string, std::string> settings{
         {"LIBMOUNT_DEBUG", "all"}, {"LIBSMARTCOLS_DEBUG", "all"}, {"SOURCE_DATE_EPOCH", "today"}};
     for (const auto& [setting, value] : settings) {
-        auto surroundings = ProcessSurroundings::ofThisProcess();
-        surroundings.environment.insert_or_assign(setting, value);
-        LiveMountSystem machine(std::move(surroundings));
+        LiveMountSystem machine = machineWith(setting, value);
         const auto mounts = test::await(machine.run("/usr/bin/findmnt", question, {}, {}));
         EXPECT_TRUE(mounts.output.starts_with("{\n")) << setting;
         const auto image = test::await(machine.run(
