@@ -6,7 +6,7 @@
 // of which a day is retained. `bench-long-life FILES DAYS RETENTION RUNS` measures any other life, RUNS being
 // those of a day: 144 of them are ten minutes apart. Since each run reads and proves every retained list of
 // all files, and its pruning does so again, the time goes with the product of FILES, RETENTION, DAYS and the
-// square of RUNS: with two processors, a year of 10,000 files every ten minutes takes most of a day.
+// square of RUNS: with two processors, a year of 10,000 files every ten minutes takes many hours.
 #include "Life/LongLife.h"
 #include "Measuring/Measure.h"
 #include "Measuring/Memory.h"
