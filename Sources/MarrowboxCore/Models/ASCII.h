@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 namespace marrowbox {
 
 /// Of the Latin alphabet, whatever the user's language counts as a letter.
@@ -9,6 +11,17 @@ constexpr bool isASCIILetter(char byte) {
 
 constexpr bool isASCIILetterOrDigit(char byte) {
     return isASCIILetter(byte) || (byte >= '0' && byte <= '9');
+}
+
+/// The value of a hexadecimal digit in either case; absent for any other byte.
+constexpr std::optional<unsigned> hexadecimalValue(char digit) {
+    if (digit >= '0' && digit <= '9')
+        return static_cast<unsigned>(digit - '0');
+    if (digit >= 'a' && digit <= 'f')
+        return static_cast<unsigned>(digit - 'a' + 10);
+    if (digit >= 'A' && digit <= 'F')
+        return static_cast<unsigned>(digit - 'A' + 10);
+    return std::nullopt;
 }
 
 } // namespace marrowbox

@@ -37,14 +37,4 @@ std::optional<std::string> percentDecoded(std::string_view text) {
     return decoded;
 }
 
-std::optional<unsigned> hexadecimalValue(char digit) {
-    if (digit >= '0' && digit <= '9')
-        return static_cast<unsigned>(digit - '0');
-    if (digit >= 'a' && digit <= 'f')
-        return static_cast<unsigned>(digit - 'a' + 10);
-    if (digit >= 'A' && digit <= 'F')
-        return static_cast<unsigned>(digit - 'A' + 10);
-    return std::nullopt;
-}
-
 } // namespace marrowbox

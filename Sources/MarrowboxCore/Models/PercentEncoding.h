@@ -16,7 +16,4 @@ std::string percentEncoded(std::string_view text, std::string_view plainMarks = 
 /// Absent when an escape is malformed. It may stand for any byte, NUL too.
 std::optional<std::string> percentDecoded(std::string_view text);
 
-/// The value of a hexadecimal digit in either case.
-std::optional<unsigned> hexadecimalValue(char digit);
-
 } // namespace marrowbox

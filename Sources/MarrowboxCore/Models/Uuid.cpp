@@ -1,6 +1,6 @@
 #include "Models/Uuid.h"
 
-#include "Models/PercentEncoding.h"
+#include "Models/ASCII.h"
 #include "Platform/Digest.h"
 #include "Platform/RandomBytes.h"
 

@@ -6,10 +6,8 @@
 #include "Repository/ManifestReader.h"
 #include "Repository/ManifestSuccession.h"
 #include "Repository/ParallelWork.h"
-#include "Repository/WrittenManifest.h"
 
 #include <algorithm>
-#include <array>
 #include <boost/unordered/unordered_flat_set.hpp>
 #include <exception>
 #include <iterator>
